@@ -1,0 +1,3 @@
+#include "cache/IMemoryCacheManagerAccess.h"
+
+IMemoryCacheManagerAccess::~IMemoryCacheManagerAccess() = default;

@@ -1,0 +1,23 @@
+#ifndef CLIPPARSER_FOUNDATION_OXAUTOLOCK_H
+#define CLIPPARSER_FOUNDATION_OXAUTOLOCK_H
+
+#include "foundation/OxLockAbstract.h"
+#include "foundation/OxSharedPtr.h"
+
+// Holds a lock for the life of a scope. Given an empty pointer it holds nothing.
+//   from a shared pointer: keeps the lock object alive as well
+//   from a plain pointer: the caller must keep the lock object alive; the form for locks that are members
+class CLIPPARSER_EXPORT OxAutoLock {
+ public:
+  explicit OxAutoLock(OxSharedPtr<OxLockAbstract> lock);
+  explicit OxAutoLock(OxLockAbstract* lock);
+  ~OxAutoLock();
+  OxAutoLock(const OxAutoLock&) = delete;
+  OxAutoLock& operator=(const OxAutoLock&) = delete;
+
+ private:
+  OxSharedPtr<OxLockAbstract> m_keptAlive;
+  OxLockAbstract* m_lock;
+};
+
+#endif  // CLIPPARSER_FOUNDATION_OXAUTOLOCK_H

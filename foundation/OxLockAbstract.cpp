@@ -1,0 +1,9 @@
+#include "foundation/OxLockAbstract.h"
+
+OxLockAbstract::OxLockAbstract() = default;
+
+OxLockAbstract::~OxLockAbstract() = default;
+
+void OxLockAbstract::Lock() {}
+
+void OxLockAbstract::Unlock() {}

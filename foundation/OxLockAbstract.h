@@ -1,0 +1,17 @@
+#ifndef CLIPPARSER_FOUNDATION_OXLOCKABSTRACT_H
+#define CLIPPARSER_FOUNDATION_OXLOCKABSTRACT_H
+
+#include "foundation/Export.h"
+#include "foundation/OxObject.h"
+
+// What an OxAutoLock can hold. The base locks nothing; a derived lock overrides both operations.
+class CLIPPARSER_EXPORT OxLockAbstract : public virtual OxObject {
+ public:
+  OxLockAbstract();
+  ~OxLockAbstract() override;
+
+  virtual void Lock();
+  virtual void Unlock();
+};
+
+#endif  // CLIPPARSER_FOUNDATION_OXLOCKABSTRACT_H

@@ -1,0 +1,5 @@
+#include "foundation/OxNumber.h"
+
+OxNumber::OxNumber() = default;
+
+OxNumber::~OxNumber() = default;

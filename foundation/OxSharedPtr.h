@@ -1,0 +1,67 @@
+#ifndef CLIPPARSER_FOUNDATION_OXSHAREDPTR_H
+#define CLIPPARSER_FOUNDATION_OXSHAREDPTR_H
+
+#include <utility>
+
+#include "foundation/Export.h"
+#include "foundation/OxObject.h"
+
+// The pointer that owns the library's objects. The count lives in the pointee (OxObject); each non-empty pointer holds
+// one count, and the last one deletes the pointee through its virtual destructor.
+//
+// Threads: two threads may hold pointers to one object and drop them at any time; one pointer object must not be
+// assigned from two threads at once.
+template <class T>
+class CLIPPARSER_EXPORT OxSharedPtr {
+ public:
+  OxSharedPtr() noexcept = default;
+  // Takes an object straight from `new`; null gives an empty pointer.
+  OxSharedPtr(T* pointee) noexcept : m_pointee(pointee) { RetainPointee(); }
+  OxSharedPtr(const OxSharedPtr& other) noexcept : m_pointee(other.m_pointee) { RetainPointee(); }
+  OxSharedPtr(OxSharedPtr&& other) noexcept : m_pointee(std::exchange(other.m_pointee, nullptr)) {}
+  virtual ~OxSharedPtr() { Reset(); }
+
+  // The new pointee is counted before the old one is let go, so assigning a pointer to itself is safe.
+  OxSharedPtr& operator=(const OxSharedPtr& other) noexcept {
+    OxSharedPtr counted(other);
+    std::swap(m_pointee, counted.m_pointee);
+    return *this;
+  }
+  OxSharedPtr& operator=(OxSharedPtr&& other) noexcept {
+    OxSharedPtr taken(std::move(other));
+    std::swap(m_pointee, taken.m_pointee);
+    return *this;
+  }
+
+  // Lets the pointee go; the pointer is empty afterwards. What the pointee's destructor throws is discarded.
+  void Reset() noexcept {
+    T* pointee = std::exchange(m_pointee, nullptr);
+    if (pointee == nullptr || AsObject(pointee)->Release() >= 1) return;
+    try {
+      delete pointee;
+    } catch (...) {  // an owner can do nothing about it, and may itself be in a destructor
+    }
+  }
+
+  // Up-, down- and cross-casts by run-time type: empty when the pointee is not a U.
+  template <class U>
+  operator OxSharedPtr<U>() const noexcept {
+    return OxSharedPtr<U>(dynamic_cast<U*>(m_pointee));
+  }
+
+  T* get() const noexcept { return m_pointee; }
+  T* operator->() const noexcept { return m_pointee; }
+  T& operator*() const noexcept { return *m_pointee; }
+  explicit operator bool() const noexcept { return m_pointee != nullptr; }
+
+ private:
+  // The count is reached through the OxObject part, wherever that lies in the pointee.
+  static OxObject* AsObject(T* pointee) noexcept { return pointee; }
+  void RetainPointee() noexcept {
+    if (m_pointee != nullptr) AsObject(m_pointee)->Retain();
+  }
+
+  T* m_pointee = nullptr;
+};
+
+#endif  // CLIPPARSER_FOUNDATION_OXSHAREDPTR_H

@@ -1,0 +1,59 @@
+#include "foundation/OxStream.h"
+
+#include <algorithm>
+
+namespace {
+
+// Two's-complement sum: Seek checks no bounds, and a position that wraps is one that no read accepts.
+long long WrappingSum(long long a, long long b) {
+  return static_cast<long long>(static_cast<unsigned long long>(a) + static_cast<unsigned long long>(b));
+}
+
+}  // namespace
+
+OxStream::OxStream() : m_lock(new OxRecursiveLock) {}
+
+OxStream::~OxStream() = default;
+
+bool OxStream::CanRead() {
+  return false;
+}
+
+bool OxStream::CanWrite() {
+  return false;
+}
+
+bool OxStream::CanSeek() {
+  return false;
+}
+
+long long OxStream::Write(unsigned char*, unsigned long long, long long, OxStream_Seek_Origin) {
+  return 0;
+}
+
+long long OxStream::Seek(long long offset, OxStream_Seek_Origin origin) {
+  if (!CanSeek()) return m_position;
+  if (origin == kOxStreamSeekFromStart) m_position = offset;
+  if (origin == kOxStreamSeekFromCurrent) m_position = WrappingSum(m_position, offset);
+  if (origin == kOxStreamSeekFromEnd) m_position = WrappingSum(static_cast<long long>(m_length), offset);
+  return m_position;
+}
+
+long long OxStream::WriteCFData(const CFData*, long long, OxStream_Seek_Origin) {
+  return 0;
+}
+
+OxStream& OxStream::operator=(const OxStream&) {
+  return *this;
+}
+
+_OxRange OxStream::CalcReadRange(unsigned long long size, long long offset, OxStream_Seek_Origin origin) const {
+  constexpr _OxRange kNothing = {0, 0};
+  long long start = offset;
+  if (origin == kOxStreamSeekFromCurrent) start = WrappingSum(m_position, offset);
+  if (origin == kOxStreamSeekFromEnd) start = WrappingSum(static_cast<long long>(m_length), offset);
+  if (origin < kOxStreamSeekFromStart || origin > kOxStreamSeekFromEnd) return kNothing;
+  if (start < 0 || static_cast<unsigned long long>(start) >= m_length) return kNothing;
+  const auto location = static_cast<unsigned long long>(start);
+  return {location, std::min(size, m_length - location)};
+}

@@ -1,0 +1,73 @@
+#include "klv/PartitionPack.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr unsigned long long kLabelsOffset = 80 + 8;  // from the value's start to the first essence container label
+
+// How many labels to read at most. A count that no camera writes is held to the packet's own value, when the packet
+// was read from a file: otherwise a damaged count would turn gigabytes of essence into labels.
+unsigned long long MostLabels(const KLVPacket& packet) {
+  constexpr unsigned long long kUnsuspicious = 65536;
+  constexpr unsigned long long kSmallestHead = 16 + 1;
+  if (packet.ValueOffset() < kSmallestHead) return ~0ULL;
+  const unsigned long long rest = packet.Length() - std::min(packet.Length(), kLabelsOffset);
+  return std::max(kUnsuspicious, rest / MxfUUID::kSize);
+}
+
+}  // namespace
+
+PartitionPack::PartitionPack() = default;
+
+PartitionPack::PartitionPack(OxSharedPtr<KLVPacket> packet) : KLVPacket(packet) {}
+
+PartitionPack::~PartitionPack() = default;
+
+unsigned int PartitionPack::EssenceCount() const {
+  return m_essenceContainers ? static_cast<unsigned int>(m_essenceContainers->Count()) : 0;
+}
+
+OxSharedPtr<MxfUUID> PartitionPack::EssenceAtIndex(unsigned int index) const {
+  if (!m_essenceContainers) return {};
+  return m_essenceContainers->ObjectAtIndex(index);
+}
+
+unsigned long long PartitionPack::HeaderOffset() const {
+  return m_headerByteCount == 0 ? kNoOffset : m_thisPartition + m_kagSize;
+}
+
+unsigned long long PartitionPack::IndexOffset() const {
+  return m_indexByteCount == 0 ? kNoOffset : m_thisPartition + m_kagSize + m_headerByteCount;
+}
+
+unsigned long long PartitionPack::ContentOffset() const {
+  return m_thisPartition + m_kagSize + m_headerByteCount + m_indexByteCount;
+}
+
+bool PartitionPack::isImportable() {
+  const unsigned int type = PacketType();
+  return type >= kKeyHeaderPartitionPack && type <= kKeyFooterPartitionPack;
+}
+
+unsigned int PartitionPack::Import(OxSharedPtr<OxStream> stream, long long offset) {
+  if (!stream) return kStatusNoInput;
+  ParseMetaData reader(stream);
+  const bool isRead = reader.SetOffset(offset, kOxStreamSeekFromStart) && ReadNumbers(reader) && ReadLabels(reader);
+  return isRead ? kStatusOK : kStatusUnreadable;
+}
+
+bool PartitionPack::ReadNumbers(ParseMetaData& reader) {
+  return reader.GetUInt16(&m_majorVersion) && reader.GetUInt16(&m_minorVersion) && reader.GetUInt32(&m_kagSize) &&
+         reader.GetUInt64(&m_thisPartition) && reader.GetUInt64(&m_previousPartition) &&
+         reader.GetUInt64(&m_footerPartition) && reader.GetUInt64(&m_headerByteCount) &&
+         reader.GetUInt64(&m_indexByteCount) && reader.GetUInt32(&m_indexSID) && reader.GetUInt64(&m_bodyOffset) &&
+         reader.GetUInt32(&m_bodySID);
+}
+
+bool PartitionPack::ReadLabels(ParseMetaData& reader) {
+  m_operationalPattern = reader.GetUUID();
+  if (!m_operationalPattern) return false;
+  m_essenceContainers = reader.GetUUIDArray(MostLabels(*this));
+  return static_cast<bool>(m_essenceContainers);
+}

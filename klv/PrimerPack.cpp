@@ -1,0 +1,85 @@
+#include "klv/PrimerPack.h"
+
+#include <string>
+
+#include "foundation/FormatText.h"
+
+namespace {
+
+constexpr unsigned long long kHeaderSize = 4 + 4;
+constexpr unsigned int kItemSize = 2 + 16;
+
+}  // namespace
+
+PrimerPack::PrimerPack() = default;
+
+PrimerPack::PrimerPack(OxSharedPtr<KLVPacket> packet) : KLVPacket(packet) {}
+
+PrimerPack::~PrimerPack() = default;
+
+bool PrimerPack::UIDToTag(unsigned short* tag, const MxfUUID* label) const {
+  if (tag == nullptr || label == nullptr) return false;
+  *tag = 0;
+  const auto entry = m_tags.find(*label);
+  if (entry == m_tags.end()) return false;
+  *tag = entry->second;
+  return true;
+}
+
+OxSharedPtr<MxfUUID> PrimerPack::UIDAtTag(unsigned short tag) const {
+  for (const auto& [label, labelTag] : m_tags) {
+    if (labelTag == tag) return OxSharedPtr<MxfUUID>(new MxfUUID(label));
+  }
+  return {};
+}
+
+bool PrimerPack::isImportable() {
+  return PacketType() == kKeyPrimerPack;
+}
+
+unsigned int PrimerPack::Import(OxSharedPtr<OxStream> stream, long long offset) {
+  m_tags.clear();
+  if (!stream) return kStatusNoInput;
+  ParseMetaData reader(stream);
+  unsigned int count = 0;
+  unsigned int itemSize = 0;
+  // A primer that cannot be read leaves an empty map; most of the header metadata can do without it.
+  if (!reader.SetOffset(offset, kOxStreamSeekFromStart) || !reader.GetUInt32(&count)) return kStatusOK;
+  if (!reader.GetUInt32(&itemSize) || itemSize != kItemSize) return kStatusOK;
+  if (isOverrun(reader, count) || !ReadItems(reader, count)) {
+    m_tags.clear();
+    return kStatusUnreadable;
+  }
+  return kStatusOK;
+}
+
+// Whether the items cannot all be there: the stream ends before, or a count that no camera writes runs over the
+// packet's own value into whatever follows.
+bool PrimerPack::isOverrun(const ParseMetaData& reader, unsigned int count) const {
+  constexpr unsigned int kUnsuspicious = 65536;
+  constexpr unsigned long long kSmallestHead = 16 + 1;
+  const unsigned long long size = static_cast<unsigned long long>(count) * kItemSize;
+  if (size > reader.RestLength()) return true;
+  const bool isFromFile = ValueOffset() >= kSmallestHead;
+  return isFromFile && count > kUnsuspicious && kHeaderSize + size > Length();
+}
+
+bool PrimerPack::ReadItems(ParseMetaData& reader, unsigned int count) {
+  for (unsigned int i = 0; i < count; ++i) {
+    unsigned short tag = 0;
+    MxfUUID label;
+    if (!reader.GetUInt16(&tag) || !reader.GetUUID(&label)) return false;
+    m_tags.emplace(label, tag);
+  }
+  return true;
+}
+
+OxSharedPtr<OxStringMac> PrimerPack::Description() {
+  std::string text = "{\n";
+  for (const auto& [label, tag] : m_tags) {
+    text += "\t";
+    text += MxfUUID(label).Description()->UTF8String();
+    text += FormatText(" = %04X\n", tag);
+  }
+  return CreateOxString(text + "}");
+}

@@ -1,0 +1,61 @@
+#include "klv/SystemMetadataPack.h"
+
+#include <algorithm>
+
+SystemMetadataPack::SystemMetadataPack() = default;
+
+SystemMetadataPack::SystemMetadataPack(OxSharedPtr<KLVPacket> packet) : KLVPacket(packet) {}
+
+SystemMetadataPack::~SystemMetadataPack() = default;
+
+void SystemMetadataPack::init() {
+  m_systemItemBitmap = 0;
+  m_contentPackageRate = 0;
+  m_contentPackageType = 0;
+  m_channelHandle = 0;
+  m_continuityCount = 0;
+  m_creationDateType = 0;
+  m_creationDate = {};
+  m_userDateType = 0;
+  m_userDate = {};
+}
+
+bool SystemMetadataPack::CreationDate(unsigned char* date) const {
+  if (date != nullptr) std::copy(m_creationDate.begin(), m_creationDate.end(), date);
+  return date != nullptr;
+}
+
+bool SystemMetadataPack::UserDate(unsigned char* date) const {
+  if (date != nullptr) std::copy(m_userDate.begin(), m_userDate.end(), date);
+  return date != nullptr;
+}
+
+bool SystemMetadataPack::isImportable() {
+  return PacketType() == kKeySystemMetadataPack;
+}
+
+unsigned int SystemMetadataPack::Import(OxSharedPtr<OxStream> stream, long long offset) {
+  if (!stream) return kStatusNoInput;
+  ParseMetaData reader(stream);
+  const bool isRead = reader.SetOffset(offset, kOxStreamSeekFromStart) && ReadHead(reader) &&
+                      ReadDate(reader, m_creationDateType, m_creationDate) &&
+                      ReadDate(reader, m_userDateType, m_userDate);
+  return isRead ? kStatusOK : kStatusUnreadable;
+}
+
+bool SystemMetadataPack::ReadHead(ParseMetaData& reader) {
+  if (!reader.GetUInt8(&m_systemItemBitmap) || !reader.GetUInt8(&m_contentPackageRate) ||
+      !reader.GetUInt8(&m_contentPackageType) || !reader.GetUInt16(&m_channelHandle) ||
+      !reader.GetUInt16(&m_continuityCount)) {
+    return false;
+  }
+  m_universalLabel = reader.GetUUID();
+  return static_cast<bool>(m_universalLabel);
+}
+
+bool SystemMetadataPack::ReadDate(ParseMetaData& reader, unsigned int& type, Date& date) {
+  unsigned char stored = 0;
+  const bool isRead = reader.GetUInt8(&stored);
+  type = stored == 0x81 || stored == 0x82 ? stored : 0;
+  return isRead && reader.GetBytes(date.data(), kDateSize);
+}

@@ -1,0 +1,260 @@
+#include "cache/CacheFileStream.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include <memory>
+
+#include "tests/cache/CacheTestSupport.h"
+#include "foundation/Status.h"
+
+namespace {
+
+class CacheFileStreamTest : public CacheTest {
+ protected:
+  TestDisk disk;
+};
+
+TEST_F(CacheFileStreamTest, AReadOverABlockEdgeReadsBothBlocksWhole) {
+  StreamPtr stream = OpenPattern(0, 3 * kBlock);
+  EXPECT_EQ(10, ReadPattern(*stream, 0, 10, 65530));
+  const std::vector<std::pair<unsigned long long, long long>> expected = {{kBlock, 0}, {kBlock, 65536}};
+  EXPECT_EQ(expected, disk.wanted);
+}
+
+TEST_F(CacheFileStreamTest, ARangeThatWasReadIsNotReadFromTheFileAgain) {
+  StreamPtr stream = OpenPattern(0, 2 * kBlock);
+  EXPECT_EQ(100, ReadPattern(*stream, 0, 100, 70000));
+  EXPECT_EQ(4, ReadPattern(*stream, 0, 4, 70010));
+  EXPECT_EQ(1, disk.preads);
+}
+
+TEST_F(CacheFileStreamTest, ReadsAreCutAtTheEndsOfTheFile) {
+  const auto size = static_cast<long long>(2 * kBlock + 777);
+  StreamPtr stream = OpenPattern(0, 2 * kBlock + 777);
+  ASSERT_EQ(static_cast<unsigned long long>(size), stream->Length());
+  EXPECT_EQ(size, ReadPattern(*stream, 0, 1'000'000, 0));
+  EXPECT_EQ(5, ReadPattern(*stream, 0, 10, size - 5));
+  EXPECT_EQ(0, ReadPattern(*stream, 0, 10, size));
+  EXPECT_EQ(0, ReadPattern(*stream, 0, 10, -1));
+  EXPECT_EQ(0, ReadPattern(*stream, 0, 0, 0));
+}
+
+TEST_F(CacheFileStreamTest, ALongReadGoesOnceThroughTheWholeCache) {
+  StreamPtr stream = OpenPattern(0, 70 * kBlock);
+  EXPECT_EQ(static_cast<long long>(70 * kBlock), ReadPattern(*stream, 0, 70 * kBlock, 0));
+  EXPECT_EQ(70, disk.preads);
+  EXPECT_EQ(1, ReadPattern(*stream, 0, 1, 6 * kBlock)) << "the oldest block that is left";
+  EXPECT_EQ(70, disk.preads);
+  EXPECT_EQ(1, ReadPattern(*stream, 0, 1, 0));
+  EXPECT_EQ(71, disk.preads);
+}
+
+TEST_F(CacheFileStreamTest, ElevenStreamsTakeTheCachesFromEachOtherAndReadTheirOwnBytes) {
+  std::vector<StreamPtr> streams;
+  for (unsigned int i = 0; i < 11; ++i) streams.push_back(OpenPattern(i, 1000));
+  for (int round = 0; round < 3; ++round) {
+    for (unsigned int i = 0; i < 11; ++i) EXPECT_EQ(1000, ReadPattern(*streams[i], i, 1000, 0));
+  }
+  EXPECT_EQ(33, disk.preads) << "each comes when its cache has just been taken";
+  EXPECT_EQ(1000, ReadPattern(*streams[1], 1, 1000, 0));
+  EXPECT_EQ(1000, ReadPattern(*streams[10], 10, 1000, 0));
+  EXPECT_EQ(34, disk.preads) << "stream 10 still has its cache, stream 1 took that of stream 0";
+}
+
+TEST_F(CacheFileStreamTest, StreamsReadOnAfterTheirCacheOrThePoolIsGone) {
+  StreamPtr stream = OpenPattern(0, 1000);
+  EXPECT_EQ(1000, ReadPattern(*stream, 0, 1000, 0));
+  FBCMemoryCacheManager::GetInstance()->removeCache(stream.get());
+  EXPECT_EQ(1000, ReadPattern(*stream, 0, 1000, 0));
+  FBCMemoryCacheManager::DeactivateInstance();
+  EXPECT_EQ(1000, ReadPattern(*stream, 0, 1000, 0));
+  stream->EraseCache();
+  EXPECT_EQ(1000, ReadPattern(*stream, 0, 1000, 0));
+  EXPECT_EQ(3, disk.preads) << "the last read finds the stream's cache again";
+}
+
+TEST_F(CacheFileStreamTest, TheStepsOfAReadWorkOnlyWithACacheThatIsTheStreams) {
+  StreamPtr stream = OpenPattern(0, 2 * kBlock);
+  unsigned char bytes[8] = {};
+  EXPECT_EQ(0u, stream->ReadFromFile(bytes, 0, 8)) << "none yet";
+  FBCMemoryCacheManager::GetInstance()->UpdateMemoryCache(stream.get());
+  EXPECT_EQ(0u, stream->ReadFromCache(bytes, 0, 8)) << "not cached";
+  EXPECT_EQ(6u, stream->ReadFromFile(bytes, kBlock - 6, 8));
+  EXPECT_EQ(6u, stream->ReadFromCache(bytes, kBlock - 6, 8));
+  EXPECT_EQ(PatternAt(kBlock - 1, 0), bytes[5]);
+  EXPECT_EQ(0u, stream->ReadFromCache(nullptr, 0, 8));
+  EXPECT_EQ(0u, stream->ReadFromFile(bytes, 2 * kBlock, 8));
+  FBCMemoryCacheManager::GetInstance()->removeCache(stream.get());
+  EXPECT_EQ(0u, stream->ReadFromCache(bytes, 0, 8)) << "taken away";
+  FBCMemoryCacheManager::DeactivateInstance();
+  EXPECT_EQ(0u, stream->ReadFromFile(bytes, 0, 8)) << "destroyed";
+}
+
+TEST_F(CacheFileStreamTest, ACacheOfTheCallersOwnIsUsedAndLeftAlive) {
+  StreamPtr stream = OpenPattern(0, kBlock);
+  const std::unique_ptr<FBCMemoryCache> own(FBCMemoryCache::Create());
+  unsigned char byte = 0;
+  stream->SetUseCache(own.get());
+  EXPECT_EQ(1u, stream->ReadFromFile(&byte, 99, 1));
+  EXPECT_EQ(PatternAt(99, 0), own->GetMemoryBufferAtFileOffset(0)[99]);
+  EXPECT_EQ(1, ReadPattern(*stream, 0, 1, 99)) << "registers, and reads again";
+  EXPECT_EQ(2, disk.preads);
+}
+
+TEST_F(CacheFileStreamTest, ThePositionFollowsTheChunksThatWereRead) {
+  StreamPtr stream = OpenPattern(0, 3 * kBlock);
+  unsigned char bytes[3] = {};
+  EXPECT_EQ(3, stream->Read(bytes, 3, 500, kOxStreamSeekFromStart));
+  EXPECT_EQ(503, stream->Seek(0, kOxStreamSeekFromCurrent));
+  EXPECT_EQ(3, stream->Read(bytes, 3, -3, kOxStreamSeekFromEnd));
+  EXPECT_EQ(PatternAt(3 * kBlock - 1, 0), bytes[2]);
+  EXPECT_EQ(3ll * 65536 + 9, stream->Seek(9, kOxStreamSeekFromEnd)) << "no bounds";
+  EXPECT_EQ(0, stream->Read(bytes, 3, 0, kOxStreamSeekFromCurrent));
+  disk.failedPread = 3;  // blocks 0 and 2 are cached, block 1 is the third to be read
+  EXPECT_EQ(0, ReadPattern(*stream, 0, 2 * kBlock, 10));
+  EXPECT_EQ(65536, stream->Seek(0, kOxStreamSeekFromCurrent)) << "where the last good chunk left it";
+}
+
+TEST_F(CacheFileStreamTest, AStreamThatIsNotOpenReadsAndSeeksNothing) {
+  CacheFileStream stream;
+  unsigned char byte = 0;
+  EXPECT_FALSE(stream.CanRead());
+  EXPECT_EQ(0, stream.Read(&byte, 1, 0, kOxStreamSeekFromStart));
+  EXPECT_EQ(0, stream.Seek(5, kOxStreamSeekFromStart));
+  EXPECT_EQ(0u, stream.ReadFromFileSub(0, 1, &byte));
+  StreamPtr open = OpenPattern(0, 10);
+  EXPECT_EQ(0, open->Read(nullptr, 1, 0, kOxStreamSeekFromStart));
+}
+
+TEST_F(CacheFileStreamTest, ASecondInitReadsTheSecondFile) {
+  StreamPtr stream = OpenPattern(0, 1000);
+  EXPECT_EQ(10, ReadPattern(*stream, 0, 10, 0));
+  EXPECT_EQ(kStatusOK, stream->Init(CreateOxString(folder.PatternFile(1, 500))));
+  EXPECT_EQ(500, ReadPattern(*stream, 1, 1000, 0));
+  EXPECT_EQ(1, disk.openFiles);
+  EXPECT_EQ(kStatusNoInput, stream->Init(OxSharedPtr<OxStringMac>()));
+  EXPECT_EQ(0, ReadPattern(*stream, 1, 10, 0));
+  EXPECT_EQ(0, disk.openFiles);
+}
+
+TEST_F(CacheFileStreamTest, InterruptedAndShortReadsAreContinued) {
+  StreamPtr stream = OpenPattern(0, 3 * kBlock - 1);
+  disk.isFitful = true;
+  EXPECT_EQ(static_cast<long long>(3 * kBlock - 1), ReadPattern(*stream, 0, 3 * kBlock, 0));
+}
+
+TEST_F(CacheFileStreamTest, AFailureOfAnyFileReadFailsThatReadOnly) {
+  for (const bool isFitful : {false, true}) {
+    disk.isFitful = isFitful;
+    for (int n = 1; n <= 5; ++n) {
+      StreamPtr stream = OpenPattern(0, 5 * kBlock);
+      disk.preads = 0;
+      disk.failedPread = n;
+      EXPECT_EQ(0, ReadPattern(*stream, 0, 5 * kBlock, 0)) << "failure " << n;
+      EXPECT_EQ(static_cast<long long>(5 * kBlock), ReadPattern(*stream, 0, 5 * kBlock, 0)) << "failure " << n;
+      EXPECT_TRUE(isFitful || disk.preads == 6) << "blocks read before the failure stay";
+      EXPECT_EQ(640u, FBCMemoryCacheManager::GetInstance()->BlockCount());
+    }
+  }
+  EXPECT_EQ(0, disk.openFiles);
+}
+
+TEST_F(CacheFileStreamTest, AFileThatShrankGivesItsOwnBytesOrNone) {
+  const std::string path = folder.PatternFile(0, 3 * kBlock);
+  StreamPtr stream = OpenStream(path);
+  std::filesystem::resize_file(path, kBlock + 1000);
+  EXPECT_EQ(1000, ReadPattern(*stream, 0, 1000, kBlock));
+  EXPECT_EQ(0, ReadPattern(*stream, 0, 1001, kBlock));
+  EXPECT_EQ(0, ReadPattern(*stream, 0, 1, 2 * kBlock - 1));
+  EXPECT_EQ(0, ReadPattern(*stream, 0, 1, 2 * kBlock));
+  folder.PatternFile(0, 3 * kBlock);
+  EXPECT_EQ(static_cast<long long>(3 * kBlock), ReadPattern(*stream, 0, 3 * kBlock, 0)) << "no block was kept short";
+}
+
+TEST_F(CacheFileStreamTest, AFileThatGrewKeepsItsLength) {
+  const std::string path = folder.PatternFile(0, 1000);
+  StreamPtr stream = OpenStream(path);
+  folder.PatternFile(0, 2 * kBlock);
+  EXPECT_EQ(1000, ReadPattern(*stream, 0, 2 * kBlock, 0));
+}
+
+TEST_F(CacheFileStreamTest, ABlockIsZeroBeyondTheEndOfTheFile) {
+  StreamPtr stream = OpenPattern(0, kBlock);
+  EXPECT_EQ(65536, ReadPattern(*stream, 0, kBlock, 0));
+  EXPECT_EQ(kStatusOK, stream->Init(CreateOxString(folder.PatternFile(1, 100))));  // the same block, used again
+  FBCMemoryCacheManager::GetInstance()->UpdateMemoryCache(stream.get());
+  unsigned char bytes[1000];
+  EXPECT_EQ(1000u, stream->ReadFromFile(bytes, 99, 1000));
+  EXPECT_EQ(PatternAt(99, 1), bytes[0]);
+  for (int i = 1; i < 1000; ++i) ASSERT_EQ(0, bytes[i]) << i;
+}
+
+TEST_F(CacheFileStreamTest, OnlyARegularFileThatMayBeReadIsOpened) {
+  const std::string file = folder.PatternFile(0, 10);
+  ASSERT_EQ(0, ::mkfifo(folder.Path("pipe").c_str(), 0600));
+  std::filesystem::create_symlink("nowhere", folder.Path("dangling"));
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;
+  folder.Path("socket").copy(address.sun_path, sizeof address.sun_path - 1);
+  const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  ASSERT_EQ(0, ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+  const std::string paths[] = {"",
+                               folder.Path(""),
+                               folder.Path("missing"),
+                               folder.Path("pipe"),
+                               folder.Path("dangling"),
+                               folder.Path("socket"),
+                               "/dev/null",
+                               file + '\0',
+                               file + '\0' + "x",
+                               file + "/"};
+  for (const std::string& path : paths) {
+    CacheFileStream stream;
+    EXPECT_EQ(kStatusNoInput, stream.Init(CreateOxString(path))) << path;
+    EXPECT_FALSE(OpenStream(path)) << path;
+    EXPECT_FALSE(stream.CanRead()) << path;
+  }
+  EXPECT_FALSE(CacheFileStream::Create(OxSharedPtr<OxStringMac>()));
+  disk.isUnknown = true;
+  EXPECT_FALSE(OpenStream(file)) << "a size that is not told";
+  EXPECT_EQ(0, disk.openFiles);
+  ::close(socket);
+}
+
+TEST_F(CacheFileStreamTest, AnUnreadableFileIsNotOpened) {
+  const std::string path = folder.PatternFile(0, 10);
+  std::filesystem::permissions(path, std::filesystem::perms::none);
+  constexpr uid_t kNobody = 65534;
+  const uid_t user = ::geteuid();
+  ASSERT_EQ(0, ::seteuid(user == 0 ? kNobody : user)) << "root may read everything";
+  EXPECT_FALSE(OpenStream(path));
+  ASSERT_EQ(0, ::seteuid(user));
+}
+
+TEST_F(CacheFileStreamTest, AFileNameMayHoldAnyBytesButZero) {
+  const std::string path = folder.Path("\xFF\xFE caf\xE9\n");
+  std::filesystem::rename(folder.PatternFile(0, 10), path);
+  StreamPtr stream = OpenStream(path);
+  ASSERT_TRUE(stream);
+  EXPECT_EQ(10, ReadPattern(*stream, 0, 10, 0));
+}
+
+TEST_F(CacheFileStreamTest, DescriptorZeroIsAnOpenFile) {
+  const std::string path = folder.PatternFile(0, 10);
+  const int standardInput = ::dup(0);
+  ::close(0);
+  StreamPtr stream = OpenStream(path);
+  EXPECT_TRUE(stream && stream->CanRead());
+  EXPECT_EQ(10, ReadPattern(*stream, 0, 10, 0));
+  stream.Reset();
+  EXPECT_EQ(-1, ::fcntl(0, F_GETFD)) << "closed again";
+  if (standardInput >= 0) {
+    ::dup2(standardInput, 0);
+    ::close(standardInput);
+  }
+}
+
+}  // namespace

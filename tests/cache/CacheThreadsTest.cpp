@@ -1,0 +1,124 @@
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <iostream>
+#include <mutex>
+#include <random>
+#include <thread>
+
+#include "tests/cache/CacheTestSupport.h"
+
+// A deadlock in these tests is found by the time limit of ctest.
+
+namespace {
+
+constexpr unsigned int kStreamCount = 24;
+constexpr unsigned int kReaderCount = 16;
+constexpr unsigned long long kFileSize = 12 * kBlock + 321;
+
+class CacheThreadsTest : public CacheTest {
+ protected:
+  void SetUp() override {
+    for (unsigned int i = 0; i < kStreamCount; ++i) paths.push_back(folder.PatternFile(i, kFileSize));
+    for (const std::string& path : paths) streams.push_back(OpenStream(path));
+  }
+
+  std::vector<std::string> paths;
+  std::vector<StreamPtr> streams;
+};
+
+// Stops the first file read until it is let go; the others pass.
+class Gate {
+ public:
+  void Pass() {
+    std::unique_lock lock(m_mutex);
+    if (std::exchange(m_isReached, true)) return;
+    m_changed.notify_all();
+    m_changed.wait(lock, [this] { return m_isOpen; });
+  }
+  void AwaitReader() {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_isReached; });
+  }
+  void Open() {
+    const std::lock_guard lock(m_mutex);
+    m_isOpen = true;
+    m_changed.notify_all();
+  }
+
+ private:
+  std::mutex m_mutex;
+  std::condition_variable m_changed;
+  bool m_isReached = false;
+  bool m_isOpen = false;
+};
+
+// Runs `meanwhile` while a read of stream 0 waits for its disk; that read must still deliver its own bytes.
+template <class Meanwhile>
+void DuringARead(CacheFileStream& stream, Meanwhile meanwhile) {
+  Gate gate;
+  TestDisk disk;
+  disk.beforePread = [&gate] { gate.Pass(); };
+  std::thread reader([&stream] { EXPECT_EQ(100'000, ReadPattern(stream, 0, 100'000, 50)); });
+  gate.AwaitReader();
+  meanwhile();
+  gate.Open();
+  reader.join();
+}
+
+TEST_F(CacheThreadsTest, ARunningReadOutlivesThePool) {
+  DuringARead(*streams[0], [this] {
+    FBCMemoryCacheManager::DeactivateInstance();
+    EXPECT_EQ(100, ReadPattern(*streams[1], 1, 100, 0));
+  });
+  EXPECT_EQ(100, ReadPattern(*streams[0], 0, 100, 0));
+}
+
+TEST_F(CacheThreadsTest, ACacheThatIsBeingReadThroughIsNotTakenWhileAnotherIsIdle) {
+  DuringARead(*streams[0], [this] {
+    for (unsigned int i = 1; i < kStreamCount; ++i) EXPECT_EQ(100, ReadPattern(*streams[i], i, 100, 0));
+  });
+}
+
+TEST_F(CacheThreadsTest, ManyReadersOfManyStreamsNeverSeeAnotherByte) {
+  const unsigned int seed = std::random_device{}();
+  std::cout << "seed " << seed << std::endl;
+  std::vector<std::thread> threads;
+  const auto start = [&](unsigned int number, int operations, auto operation) {
+    threads.emplace_back([=] {
+      std::mt19937 random(seed + number);
+      for (int i = 0; i < operations; ++i) operation(random, static_cast<unsigned int>(random() % kStreamCount));
+    });
+  };
+  const auto readSomewhere = [](CacheFileStream& stream, unsigned int number, std::mt19937& random) {
+    const unsigned long long size = random() % 4 == 0 ? random() % (3 * kBlock) : 1 + random() % 64;
+    const unsigned long long offset = random() % kFileSize;
+    const auto expected = static_cast<long long>(std::min(size, kFileSize - offset));
+    ASSERT_EQ(expected, ReadPattern(stream, number, size, static_cast<long long>(offset)));
+  };
+  for (unsigned int reader = 0; reader < kReaderCount; ++reader) {
+    start(reader, 300, [&](std::mt19937& random, unsigned int i) { readSomewhere(*streams[i], i, random); });
+  }
+  start(100, 150, [&](std::mt19937& random, unsigned int i) {  // opens and closes
+    const StreamPtr stream = OpenStream(paths[i]);
+    readSomewhere(*stream, i, random);
+    readSomewhere(*stream, i, random);
+  });
+  start(101, 600, [&](std::mt19937& random, unsigned int i) {  // a host that calls the cache's interface itself
+    FBCMemoryCacheManager* manager = FBCMemoryCacheManager::GetInstance();
+    if (random() % 4 == 0) manager->removeCache(streams[i].get());
+    manager->UpdateMemoryCache(streams[i].get());
+    unsigned char byte = PatternAt(70000, i);
+    static_cast<void>(streams[i]->ReadFromFile(&byte, 70000, 1));
+    static_cast<void>(streams[i]->ReadFromCache(&byte, 70000, 1));
+    ASSERT_EQ(PatternAt(70000, i), byte);
+    streams[i]->EraseCache();
+  });
+  start(102, 60, [](std::mt19937&, unsigned int) {
+    FBCMemoryCacheManager::DeactivateInstance();
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  });
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
