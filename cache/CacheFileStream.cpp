@@ -53,8 +53,7 @@ unsigned int CacheFileStream::Init(OxSharedPtr<OxStringMac> path) {
   m_file.Close();
   const bool isOpen = path && m_file.Open(std::string(path->UTF8String(), path->ByteCount()));
   SetLength(m_file.Size());
-  // Only so that the pool exists; without one, each read tries again.
-  static_cast<void>(FBCMemoryCacheManager::GetInstance());
+  FBCMemoryCacheManager::GetInstance();  // so that the pool exists; without one, each read tries again
   return isOpen ? kStatusOK : kStatusNoInput;
 }
 
@@ -169,12 +168,12 @@ unsigned long long CacheFileStream::CopyFromFile(FBCMemoryCache* cache, unsigned
   const unsigned long long base = BlockBase(offset);
   unsigned char* block = cache->addCache(base);
   if (block == nullptr) return 0;
-  const unsigned long long held = ReadFromFileSub(base, kBlockSize, block);
+  const unsigned long long wanted = std::min(kBlockSize, Length() - base);
+  const unsigned long long held = std::min(wanted, ReadFromFileSub(base, kBlockSize, block));
   std::memset(block + held, 0, kBlockSize - held);
-  const bool isWhole = held >= std::min(kBlockSize, Length() - base);
   const unsigned long long count = ChunkLength(offset, length);
-  const bool isServed = isWhole || (held > InBlock(offset) && count <= held - InBlock(offset));
+  const bool isServed = held == wanted || (held > InBlock(offset) && count <= held - InBlock(offset));
   if (isServed) std::memcpy(buffer, block + InBlock(offset), count);
-  if (!isWhole) cache->delCache(base);
+  if (held < wanted) cache->delCache(base);
   return isServed ? count : 0;
 }

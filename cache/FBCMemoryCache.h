@@ -58,6 +58,7 @@ class CLIPPARSER_EXPORT FBCMemoryCache : public OxObject {
 
   // Frees all blocks; the most recently used one is then the first to be handed out. Returns 0.
   unsigned int cleanCache();
+
   // Blocks used and free together: 64, whatever happened, until the pool of the cache is destroyed.
   [[nodiscard]] unsigned long BlockCount();
 

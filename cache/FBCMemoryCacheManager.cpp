@@ -15,15 +15,17 @@ namespace {
 // never destroyed and looks for itself, under its own lock, whether the pool is still there.
 std::atomic<FBCMemoryCacheManager*> g_instance{nullptr};
 
-// Both are never destroyed: a host's static object may close its clip after the destructors of this library have run.
-OxRecursiveLock* InstanceLock() {
-  static OxRecursiveLock* const lock = new OxRecursiveLock;
-  return lock;
+// Made on first use, without the heap, and never destroyed: a host's static object may close its clip after the
+// destructors of this library have run.
+template <class T>
+T* NeverDestroyed() {
+  alignas(T) static unsigned char memory[sizeof(T)];
+  static T* const object = new (memory) T;
+  return object;
 }
 
-FBCMemoryCacheManager* TheManager() {
-  static FBCMemoryCacheManager* const manager = new FBCMemoryCacheManager;
-  return manager;
+OxRecursiveLock* InstanceLock() {
+  return NeverDestroyed<OxRecursiveLock>();
 }
 
 }  // namespace
@@ -38,7 +40,7 @@ FBCMemoryCacheManager* FBCMemoryCacheManager::GetInstance() {
   if (FBCMemoryCacheManager* existing = ExistingInstance()) return existing;
   OxAutoLock guard(InstanceLock());
   if (FBCMemoryCacheManager* existing = ExistingInstance()) return existing;
-  FBCMemoryCacheManager* manager = TheManager();
+  auto* manager = NeverDestroyed<FBCMemoryCacheManager>();
   if (manager->Init() == kStatusOK) {
     g_instance.store(manager, std::memory_order_release);
   } else {

@@ -40,7 +40,7 @@ class CLIPPARSER_EXPORT FBCMemoryCacheManager : public OxObject {
 
   // The manager, with its pool, which the first call makes; null when there is no memory for it. The pointer stays
   // valid until the process ends, also after DeactivateInstance: a manager without a pool lends nothing.
-  [[nodiscard]] static FBCMemoryCacheManager* GetInstance();
+  static FBCMemoryCacheManager* GetInstance();
 
   // Destroys the pool with all caches and their buffers; the next GetInstance makes a new one. Streams are not told,
   // they register with the new pool by themselves. A read that is going on ends well; its cache is destroyed when its
@@ -98,8 +98,8 @@ class CLIPPARSER_EXPORT FBCMemoryCacheManager : public OxObject {
   // Every cache is in exactly one of the two lists.
   ItemList m_used;  // lent, most recently used first
   ItemList m_free;  // taken from and returned to its back
-  // Who holds the front of the used list. Read without a lock, for the order of use only: a reader learns from the cache
-  // itself, under its lock, whether it still holds it.
+  // Who holds the front of the used list. Read without a lock, for the order of use only: a reader learns from the
+  // cache itself, under its lock, whether it still holds it.
   std::atomic<const IMemoryCacheManagerAccess*> m_mostRecentUser{nullptr};
 };
 

@@ -81,8 +81,9 @@ unsigned long long ReadOnlyFile::Read(unsigned long long offset, unsigned long l
       return g_calls.pread(m_descriptor, buffer + done, length - done, static_cast<long long>(offset + done));
     });
     if (count < 0) return 0;
-    if (count == 0) break;  // the end of the file
+    if (count == 0) break;  // the end of a file that shrank
     done += static_cast<unsigned long long>(count);
+    if (offset + done >= m_size) break;  // the end: no second call to be told so
   }
   return done;
 }

@@ -35,8 +35,8 @@ class ReadOnlyFile {
   // Bytes in the file when it was opened.
   [[nodiscard]] unsigned long long Size() const { return m_size; }
 
-  // Reads up to `length` bytes at `offset` and returns how many; fewer than `length` only where the file ends. 0 when
-  // any part could not be read.
+  // Reads up to `length` bytes at `offset` and returns how many; fewer than `length` only where the file ends, or ended
+  // when it was opened. 0 when any part could not be read.
   [[nodiscard]] unsigned long long Read(unsigned long long offset, unsigned long long length,
                                         unsigned char* buffer) const;
 

@@ -210,7 +210,8 @@ bool IndexTableSegment::GetStreamOffset(long long editUnit, unsigned int element
   const _DeltaEntry& delta = m_deltaEntries[element];
   unsigned int sliceOffset = 0;
   if (delta.Slice != 0 && delta.Slice <= m_sliceCount) {
-    sliceOffset = LoadBigEndian<unsigned int>(entry + kSliceOffsets + (delta.Slice - 1u) * kSliceOffsetSize);
+    sliceOffset =
+        LoadBigEndian<unsigned int>(entry + kSliceOffsets + (delta.Slice - std::size_t{1}) * kSliceOffsetSize);
   }
   offset = delta.ElementDelta + unitOffset + sliceOffset;
   return true;

@@ -6,7 +6,7 @@
 #include "klv/PrimerPack.h"
 
 // One component of an RGBA pixel: its code letter and its depth in bits (SMPTE ST 377-1).
-struct tagRGBALayout {
+struct CLIPPARSER_EXPORT tagRGBALayout {
   unsigned char code;
   unsigned char depth;
 };

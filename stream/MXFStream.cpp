@@ -255,7 +255,8 @@ unsigned int MXFStream::GetImageStabilizer(OxSharedPtr<OxNumber>* state) {
   if (state == nullptr || GetEssenceOffset(0, kSystemItem, offset) != kStatusOK) return kStatusUnreadable;
   KLVPacket packet;
   // The set is looked for at a fixed distance, however long the system metadata pack says it is.
-  if (!MoveTo(SaturatingSum(offset, kSystemPackSize)) || !m_reader->ParseKeyAndLength(&packet)) return kStatusUnreadable;
+  if (!MoveTo(SaturatingSum(offset, kSystemPackSize)) || !m_reader->ParseKeyAndLength(&packet))
+    return kStatusUnreadable;
   MxfUUID key;
   if (packet.PacketType() != kKeySystemItemLocalSet || !ReadCameraMetadataKey(key)) return kStatusUnreadable;
   if (!FBC_UL_BodyPartition_Private_Camera_Metadata || key != *FBC_UL_BodyPartition_Private_Camera_Metadata) {

@@ -7,8 +7,8 @@
 
 #include <memory>
 
-#include "tests/cache/CacheTestSupport.h"
 #include "foundation/Status.h"
+#include "tests/cache/CacheTestSupport.h"
 
 namespace {
 
@@ -59,9 +59,8 @@ TEST_F(CacheFileStreamTest, ElevenStreamsTakeTheCachesFromEachOtherAndReadTheirO
     for (unsigned int i = 0; i < 11; ++i) EXPECT_EQ(1000, ReadPattern(*streams[i], i, 1000, 0));
   }
   EXPECT_EQ(33, disk.preads) << "each comes when its cache has just been taken";
-  EXPECT_EQ(1000, ReadPattern(*streams[1], 1, 1000, 0));
-  EXPECT_EQ(1000, ReadPattern(*streams[10], 10, 1000, 0));
-  EXPECT_EQ(34, disk.preads) << "stream 10 still has its cache, stream 1 took that of stream 0";
+  for (const unsigned int i : {1u, 0u, 1u, 10u, 3u}) EXPECT_EQ(1000, ReadPattern(*streams[i], i, 1000, 0));
+  EXPECT_EQ(34, disk.preads) << "stream 0 took the cache of stream 2, which was the least recently used by then";
 }
 
 TEST_F(CacheFileStreamTest, StreamsReadOnAfterTheirCacheOrThePoolIsGone) {
@@ -88,7 +87,11 @@ TEST_F(CacheFileStreamTest, TheStepsOfAReadWorkOnlyWithACacheThatIsTheStreams) {
   EXPECT_EQ(0u, stream->ReadFromCache(nullptr, 0, 8));
   EXPECT_EQ(0u, stream->ReadFromFile(bytes, 2 * kBlock, 8));
   FBCMemoryCacheManager::GetInstance()->removeCache(stream.get());
-  EXPECT_EQ(0u, stream->ReadFromCache(bytes, 0, 8)) << "taken away";
+  StreamPtr other = OpenPattern(1, 2 * kBlock);
+  EXPECT_EQ(8, ReadPattern(*other, 1, 8, 0)) << "through the same cache";
+  EXPECT_EQ(0u, stream->ReadFromCache(bytes, 0, 8)) << "lent elsewhere";
+  EXPECT_EQ(0u, stream->ReadFromFile(bytes, kBlock, 8));
+  EXPECT_EQ(8, ReadPattern(*other, 1, 8, kBlock));
   FBCMemoryCacheManager::DeactivateInstance();
   EXPECT_EQ(0u, stream->ReadFromFile(bytes, 0, 8)) << "destroyed";
 }
@@ -179,6 +182,9 @@ TEST_F(CacheFileStreamTest, AFileThatGrewKeepsItsLength) {
   StreamPtr stream = OpenStream(path);
   folder.PatternFile(0, 2 * kBlock);
   EXPECT_EQ(1000, ReadPattern(*stream, 0, 2 * kBlock, 0));
+  unsigned char bytes[2] = {};
+  EXPECT_EQ(2u, stream->ReadFromCache(bytes, 999, 2));
+  EXPECT_EQ(0, bytes[1]) << "beyond the length";
 }
 
 TEST_F(CacheFileStreamTest, ABlockIsZeroBeyondTheEndOfTheFile) {

@@ -1,8 +1,7 @@
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
+#include <future>
 #include <iostream>
-#include <mutex>
 #include <random>
 #include <thread>
 
@@ -27,42 +26,22 @@ class CacheThreadsTest : public CacheTest {
   std::vector<StreamPtr> streams;
 };
 
-// Stops the first file read until it is let go; the others pass.
-class Gate {
- public:
-  void Pass() {
-    std::unique_lock lock(m_mutex);
-    if (std::exchange(m_isReached, true)) return;
-    m_changed.notify_all();
-    m_changed.wait(lock, [this] { return m_isOpen; });
-  }
-  void AwaitReader() {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_isReached; });
-  }
-  void Open() {
-    const std::lock_guard lock(m_mutex);
-    m_isOpen = true;
-    m_changed.notify_all();
-  }
-
- private:
-  std::mutex m_mutex;
-  std::condition_variable m_changed;
-  bool m_isReached = false;
-  bool m_isOpen = false;
-};
-
-// Runs `meanwhile` while a read of stream 0 waits for its disk; that read must still deliver its own bytes.
+// Runs `meanwhile` while a read of file 0 waits for its disk; that read must still deliver its own bytes.
 template <class Meanwhile>
 void DuringARead(CacheFileStream& stream, Meanwhile meanwhile) {
-  Gate gate;
+  std::promise<void> isReading;
+  std::promise<void> mayGoOn;
+  std::atomic<bool> isFirst{true};
   TestDisk disk;
-  disk.beforePread = [&gate] { gate.Pass(); };
+  disk.beforePread = [&] {
+    if (!isFirst.exchange(false)) return;
+    isReading.set_value();
+    mayGoOn.get_future().wait();
+  };
   std::thread reader([&stream] { EXPECT_EQ(100'000, ReadPattern(stream, 0, 100'000, 50)); });
-  gate.AwaitReader();
+  isReading.get_future().wait();
   meanwhile();
-  gate.Open();
+  mayGoOn.set_value();
   reader.join();
 }
 
@@ -81,8 +60,11 @@ TEST_F(CacheThreadsTest, ACacheThatIsBeingReadThroughIsNotTakenWhileAnotherIsIdl
 }
 
 TEST_F(CacheThreadsTest, ManyReadersOfManyStreamsNeverSeeAnotherByte) {
-  const unsigned int seed = std::random_device{}();
-  std::cout << "seed " << seed << std::endl;
+  const char* given = std::getenv("CACHE_TEST_SEED");
+  const unsigned long seed = given != nullptr ? std::strtoul(given, nullptr, 10) : std::random_device{}();
+  std::cout << "CACHE_TEST_SEED=" << seed << std::endl;
+  TestDisk disk;  // slow, so that caches are asked for while others are being read through
+  disk.beforePread = [] { std::this_thread::sleep_for(std::chrono::microseconds(100)); };
   std::vector<std::thread> threads;
   const auto start = [&](unsigned int number, int operations, auto operation) {
     threads.emplace_back([=] {
@@ -106,13 +88,13 @@ TEST_F(CacheThreadsTest, ManyReadersOfManyStreamsNeverSeeAnotherByte) {
   });
   start(101, 600, [&](std::mt19937& random, unsigned int i) {  // a host that calls the cache's interface itself
     FBCMemoryCacheManager* manager = FBCMemoryCacheManager::GetInstance();
-    if (random() % 4 == 0) manager->removeCache(streams[i].get());
-    manager->UpdateMemoryCache(streams[i].get());
+    if (random() % 8 == 0) manager->removeCache(streams[i].get());
+    if (random() % 2 == 0) manager->UpdateMemoryCache(streams[i].get());
     unsigned char byte = PatternAt(70000, i);
     static_cast<void>(streams[i]->ReadFromFile(&byte, 70000, 1));
     static_cast<void>(streams[i]->ReadFromCache(&byte, 70000, 1));
     ASSERT_EQ(PatternAt(70000, i), byte);
-    streams[i]->EraseCache();
+    if (random() % 8 == 0) streams[i]->EraseCache();
   });
   start(102, 60, [](std::mt19937&, unsigned int) {
     FBCMemoryCacheManager::DeactivateInstance();

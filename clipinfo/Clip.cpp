@@ -1,0 +1,107 @@
+#include "clipinfo/Clip.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+
+#include "cache/CacheFileStream.h"
+
+namespace {
+
+// Edit units are asked for as 32-bit numbers.
+constexpr unsigned long long kMostEditUnits = 1ULL << 32;
+
+void CheckFile(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) throw CommandError(errno == ENOENT ? "not found" : std::strerror(errno));
+  if (S_ISDIR(info.st_mode)) throw CommandError("is a directory, not a clip");
+  if (!S_ISREG(info.st_mode)) throw CommandError("not a regular file");
+  if (::access(path.c_str(), R_OK) != 0) throw CommandError(std::strerror(errno));
+  if (info.st_size == 0) throw CommandError("empty file");
+}
+
+// Which step of opening failed. The step that reads the header metadata can be repeated and costs little by now.
+const char* OpeningFault(MXFStream& stream) {
+  const OxSharedPtr<PartitionPack> pack = stream.GetHeaderPartitionPack();
+  if (!pack) return "not an MXF file: no header partition pack";
+  if (pack->HeaderByteCount() == 0) return "no header metadata in the header partition";
+  if (stream.ParseHeaderPartition() != kStatusOK) return "header metadata damaged";
+  if (stream.GetHeaderMetadata()->MaterialPackageCount() == 0) return "no material package in the header metadata";
+  return "header metadata damaged: the first track of the material package cannot be read";
+}
+
+// A whole number that fills `text`.
+bool ParseNumber(const std::string& text, unsigned long long& number) {
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stop == end;
+}
+
+}  // namespace
+
+Clip::Clip(const std::string& path) {
+  CheckFile(path);
+  const OxSharedPtr<OxStringMac> name = CreateOxString(path);
+  const OxSharedPtr<CacheFileStream> file = CacheFileStream::Create(name);
+  if (!file) throw CommandError("cannot be opened");
+  m_reader.SetStream(file);
+  Open(name);
+}
+
+void Clip::Open(const OxSharedPtr<OxStringMac>& path) {
+  m_stream = std::make_unique<MXFStream>(path);
+  if (m_stream->Parse() != kStatusOK) throw CommandError(OpeningFault(*m_stream));
+}
+
+Element Clip::ElementAt(unsigned long long offset) {
+  Element element;
+  element.offset = offset;
+  KLVPacket packet;
+  element.isRead = m_reader.SetOffset(static_cast<long long>(offset), kOxStreamSeekFromStart) &&
+                   m_reader.ReadKeyAndLength(&packet) == PacketHead::Read;
+  if (!element.isRead) return element;
+  element.type = packet.PacketType();
+  element.size = packet.Length();
+  element.next = packet.NextOffset();
+  return element;
+}
+
+unsigned int Clip::ElementCount(unsigned int editUnit) {
+  unsigned int count = 0;
+  unsigned long long offset = 0;
+  while (m_stream->GetEssenceOffset(editUnit, count, offset) == kStatusOK) ++count;
+  return count;
+}
+
+bool Clip::isHeaderIndexMissing() const {
+  const OxSharedPtr<PartitionPack> pack = m_stream->GetHeaderPartitionPack();
+  return pack && pack->MajorVersion() == 1 && pack->MinorVersion() == 3 && pack->IndexByteCount() == 0;
+}
+
+std::string Clip::NoIndexText(unsigned long long editUnit) const {
+  const std::string text = "edit unit " + std::to_string(editUnit) + " is in no index";
+  return isHeaderIndexMissing() ? text + ": no index in the header partition" : text;
+}
+
+EditUnits Clip::ParseRange(const std::string& text) const {
+  const long long duration = m_stream->Duration();
+  if (duration <= 0) throw CommandError("the clip does not tell how many edit units it has");
+  EditUnits units{0, std::min(static_cast<unsigned long long>(duration), kMostEditUnits)};
+  if (text.empty()) return units;
+
+  const unsigned long long end = units.end;
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos) throw CommandError("--range wants A:B");
+  const std::string from = text.substr(0, colon);
+  const std::string to = text.substr(colon + 1);
+  const bool isParsed = (from.empty() || ParseNumber(from, units.begin)) && (to.empty() || ParseNumber(to, units.end));
+  if (!isParsed) throw CommandError("--range wants A:B, numbers of edit units");
+  if (units.begin >= units.end || units.end > end) {
+    throw CommandError("the range must lie in 0:" + std::to_string(end) + " and hold at least one edit unit");
+  }
+  return units;
+}

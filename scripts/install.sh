@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Installs what is missing of the Debian packages named by the kinds given as arguments: build, test, check.
+set -euo pipefail
+
+packages() {
+  case $1 in
+    build) echo g++ cmake ninja-build libcli11-dev nlohmann-json3-dev ;;
+    test) echo libgtest-dev pkg-config binutils ;;
+    check) echo clang clang-tidy clang-format libclang-rt-14-dev git ;;
+    *) echo "install.sh: unknown kind '$1'" >&2 && return 2 ;;
+  esac
+}
+
+missing=()
+for kind in "$@"; do
+  names=$(packages "$kind")
+  for package in $names; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+  done
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "installing: ${missing[*]}" >&2
+sudo=
+[ "$(id -u)" -eq 0 ] || sudo=sudo
+export DEBIAN_FRONTEND=noninteractive
+$sudo apt-get update -qq >&2
+$sudo apt-get install -y -qq "${missing[@]}" >/dev/null
