@@ -14,13 +14,9 @@ namespace {
 
 constexpr unsigned long long kBlockSize = FBCMemoryCache::kBlockSize;
 
-unsigned long long InBlock(unsigned long long offset) {
-  return offset % kBlockSize;
-}
+unsigned long long InBlock(unsigned long long offset) { return offset % kBlockSize; }
 
-unsigned long long BlockBase(unsigned long long offset) {
-  return offset - InBlock(offset);
-}
+unsigned long long BlockBase(unsigned long long offset) { return offset - InBlock(offset); }
 
 // The part of a request that lies in the block of its first byte.
 unsigned long long ChunkLength(unsigned long long offset, unsigned long long length) {
@@ -57,13 +53,9 @@ unsigned int CacheFileStream::Init(OxSharedPtr<OxStringMac> path) {
   return isOpen ? kStatusOK : kStatusNoInput;
 }
 
-bool CacheFileStream::CanRead() {
-  return m_file.IsOpen();
-}
+bool CacheFileStream::CanRead() { return m_file.IsOpen(); }
 
-bool CacheFileStream::CanSeek() {
-  return m_file.IsOpen();
-}
+bool CacheFileStream::CanSeek() { return m_file.IsOpen(); }
 
 long long CacheFileStream::Read(unsigned char* buffer, unsigned long long size, long long offset,
                                 OxStream_Seek_Origin origin) {

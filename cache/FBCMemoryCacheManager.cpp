@@ -24,17 +24,13 @@ T* NeverDestroyed() {
   return object;
 }
 
-OxRecursiveLock* InstanceLock() {
-  return NeverDestroyed<OxRecursiveLock>();
-}
+OxRecursiveLock* InstanceLock() { return NeverDestroyed<OxRecursiveLock>(); }
 
 }  // namespace
 
 FBCMemoryCacheManager::FBCMemoryCacheManager() = default;
 
-FBCMemoryCacheManager::~FBCMemoryCacheManager() {
-  DestroyPool();
-}
+FBCMemoryCacheManager::~FBCMemoryCacheManager() { DestroyPool(); }
 
 FBCMemoryCacheManager* FBCMemoryCacheManager::GetInstance() {
   if (FBCMemoryCacheManager* existing = ExistingInstance()) return existing;
@@ -113,9 +109,7 @@ unsigned long FBCMemoryCacheManager::BlockCount() {
   return count;
 }
 
-FBCMemoryCacheManager* FBCMemoryCacheManager::ExistingInstance() {
-  return g_instance.load(std::memory_order_acquire);
-}
+FBCMemoryCacheManager* FBCMemoryCacheManager::ExistingInstance() { return g_instance.load(std::memory_order_acquire); }
 
 bool FBCMemoryCacheManager::LendForRead(IMemoryCacheManagerAccess* access, LentCache& lent) {
   FBCMemoryCacheManager* manager = GetInstance();

@@ -13,21 +13,15 @@ static_assert(sizeof(off_t) == 8, "clips are larger than 4 GiB");
 
 namespace {
 
-int PosixOpen(const char* path, int flags) {
-  return ::open(path, flags);
-}
+int PosixOpen(const char* path, int flags) { return ::open(path, flags); }
 
-int PosixFstat(int descriptor, struct stat* information) {
-  return ::fstat(descriptor, information);
-}
+int PosixFstat(int descriptor, struct stat* information) { return ::fstat(descriptor, information); }
 
 long long PosixPread(int descriptor, void* buffer, unsigned long long count, long long offset) {
   return ::pread(descriptor, buffer, static_cast<size_t>(count), offset);
 }
 
-int PosixClose(int descriptor) {
-  return ::close(descriptor);
-}
+int PosixClose(int descriptor) { return ::close(descriptor); }
 
 ReadOnlyFile::SystemCalls g_calls = {PosixOpen, PosixFstat, PosixPread, PosixClose};
 
@@ -41,9 +35,7 @@ auto WithoutInterruption(Call call) {
 
 }  // namespace
 
-ReadOnlyFile::~ReadOnlyFile() {
-  Close();
-}
+ReadOnlyFile::~ReadOnlyFile() { Close(); }
 
 bool ReadOnlyFile::Open(const std::string& path) {
   Close();

@@ -58,14 +58,14 @@ const char* KindText(const PartitionPack& pack) {
   return pack.PacketType() == kKeyBodyPartitionPack ? "body" : "footer";
 }
 
-const char* StatusText(const PartitionPack& pack) {
+const char* ClosureText(const PartitionPack& pack) {
   constexpr const char* kTexts[] = {"", "open, incomplete", "closed, incomplete", "open, complete", "closed, complete"};
   const unsigned char status = pack.key().ValueAtIndex(kStatusByte);
   return status < std::size(kTexts) ? kTexts[status] : "";
 }
 
 void PrintPartition(std::ostream& out, const PartitionPack& pack, unsigned long long offset) {
-  out << "  " << std::left << std::setw(8) << KindText(pack) << std::setw(20) << StatusText(pack) << std::right
+  out << "  " << std::left << std::setw(8) << KindText(pack) << std::setw(20) << ClosureText(pack) << std::right
       << std::setw(15) << offset << std::setw(10) << pack.BodySID() << std::setw(11) << pack.IndexSID() << std::setw(14)
       << pack.HeaderByteCount() << std::setw(13) << pack.IndexByteCount() << '\n';
 }
@@ -74,7 +74,8 @@ void PrintPartition(std::ostream& out, const PartitionPack& pack, unsigned long 
 
 void PrintPartitions(std::ostream& out, Clip& clip) {
   const OxSharedPtr<RandomIndexPack> pack = FindRandomIndexPack(clip.Reader());
-  PrintRow(out, 0, "Partitions", pack ? "from the random index pack" : "no random index pack; from the footer backwards");
+  PrintRow(out, 0, "Partitions",
+           pack ? "from the random index pack" : "no random index pack; from the footer backwards");
   out << "  kind    status                       offset  body SID  index SID  header bytes  index bytes\n";
   for (const unsigned long long offset : pack ? ListedOffsets(*pack) : LinkedOffsets(clip)) {
     const OxSharedPtr<PartitionPack> partition = PartitionPackAt(clip, offset);

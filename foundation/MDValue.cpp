@@ -30,45 +30,25 @@ Value MDValue::Convert(_MDValueType type, bool (ParseMetaData::*read)(Value*)) {
   return value;
 }
 
-MDValue::operator unsigned char() {
-  return Convert(MDValueType_UInt8, &ParseMetaData::GetUInt8);
-}
+MDValue::operator unsigned char() { return Convert(MDValueType_UInt8, &ParseMetaData::GetUInt8); }
 
-MDValue::operator unsigned short() {
-  return Convert(MDValueType_UInt16, &ParseMetaData::GetUInt16);
-}
+MDValue::operator unsigned short() { return Convert(MDValueType_UInt16, &ParseMetaData::GetUInt16); }
 
-MDValue::operator unsigned int() {
-  return Convert(MDValueType_UInt32, &ParseMetaData::GetUInt32);
-}
+MDValue::operator unsigned int() { return Convert(MDValueType_UInt32, &ParseMetaData::GetUInt32); }
 
-MDValue::operator unsigned long long() {
-  return Convert(MDValueType_UInt64, &ParseMetaData::GetUInt64);
-}
+MDValue::operator unsigned long long() { return Convert(MDValueType_UInt64, &ParseMetaData::GetUInt64); }
 
-MDValue::operator signed char() {
-  return Convert(MDValueType_Int8, &ParseMetaData::GetInt8);
-}
+MDValue::operator signed char() { return Convert(MDValueType_Int8, &ParseMetaData::GetInt8); }
 
-MDValue::operator short() {
-  return Convert(MDValueType_Int16, &ParseMetaData::GetInt16);
-}
+MDValue::operator short() { return Convert(MDValueType_Int16, &ParseMetaData::GetInt16); }
 
-MDValue::operator int() {
-  return Convert(MDValueType_Int32, &ParseMetaData::GetInt32);
-}
+MDValue::operator int() { return Convert(MDValueType_Int32, &ParseMetaData::GetInt32); }
 
-MDValue::operator long long() {
-  return Convert(MDValueType_Int64, &ParseMetaData::GetInt64);
-}
+MDValue::operator long long() { return Convert(MDValueType_Int64, &ParseMetaData::GetInt64); }
 
-MDValue::operator _Timestamp() {
-  return Convert(MDValueType_Timestamp, &ParseMetaData::GetTimestamp);
-}
+MDValue::operator _Timestamp() { return Convert(MDValueType_Timestamp, &ParseMetaData::GetTimestamp); }
 
-MDValue::operator _Rational() {
-  return Convert(MDValueType_Rational, &ParseMetaData::GetRational);
-}
+MDValue::operator _Rational() { return Convert(MDValueType_Rational, &ParseMetaData::GetRational); }
 
 OxSharedPtr<OxStringMac> MDValue::Description() {
   switch (m_type) {

@@ -6,9 +6,7 @@
 
 MxfUUID::MxfUUID() = default;
 
-MxfUUID::MxfUUID(const unsigned char* bytes) {
-  SetKey(bytes);
-}
+MxfUUID::MxfUUID(const unsigned char* bytes) { SetKey(bytes); }
 
 MxfUUID::MxfUUID(unsigned int word0, unsigned int word1, unsigned int word2, unsigned int word3) {
   const unsigned int words[] = {word0, word1, word2, word3};

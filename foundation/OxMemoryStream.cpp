@@ -30,13 +30,9 @@ OxSharedPtr<OxMemoryStream> OxMemoryStream::CreateMemoryStreamPtr(OxSharedPtr<Ox
   return OxSharedPtr<OxMemoryStream>(new OxMemoryStream(std::move(bytes), range.length));
 }
 
-bool OxMemoryStream::CanRead() {
-  return true;
-}
+bool OxMemoryStream::CanRead() { return true; }
 
-bool OxMemoryStream::CanSeek() {
-  return true;
-}
+bool OxMemoryStream::CanSeek() { return true; }
 
 long long OxMemoryStream::Read(unsigned char* buffer, unsigned long long size, long long offset,
                                OxStream_Seek_Origin origin) {

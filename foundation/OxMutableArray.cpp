@@ -6,10 +6,6 @@ OxMutableArray::OxMutableArray() = default;
 
 OxMutableArray::~OxMutableArray() = default;
 
-void OxMutableArray::AddObject(OxSharedPtr<OxObject> object) {
-  m_objects.push_back(std::move(object));
-}
+void OxMutableArray::AddObject(OxSharedPtr<OxObject> object) { m_objects.push_back(std::move(object)); }
 
-void OxMutableArray::RemoveAllObjects() {
-  m_objects.clear();
-}
+void OxMutableArray::RemoveAllObjects() { m_objects.clear(); }

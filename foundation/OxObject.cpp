@@ -13,6 +13,4 @@ OxSharedPtr<OxStringMac> OxObject::Description() {
   return OxSharedPtr<OxStringMac>(new OxStringMac("<object>", kOxStringCharCode8Bit));
 }
 
-OxObject& OxObject::operator=(const OxObject&) {
-  return *this;
-}
+OxObject& OxObject::operator=(const OxObject&) { return *this; }

@@ -4,14 +4,8 @@ OxRecursiveLock::OxRecursiveLock() = default;
 
 OxRecursiveLock::~OxRecursiveLock() = default;
 
-void OxRecursiveLock::Lock() {
-  m_mutex.lock();
-}
+void OxRecursiveLock::Lock() { m_mutex.lock(); }
 
-void OxRecursiveLock::Unlock() {
-  m_mutex.unlock();
-}
+void OxRecursiveLock::Unlock() { m_mutex.unlock(); }
 
-bool OxRecursiveLock::TryLock() {
-  return m_mutex.try_lock();
-}
+bool OxRecursiveLock::TryLock() { return m_mutex.try_lock(); }

@@ -15,21 +15,13 @@ OxStream::OxStream() : m_lock(new OxRecursiveLock) {}
 
 OxStream::~OxStream() = default;
 
-bool OxStream::CanRead() {
-  return false;
-}
+bool OxStream::CanRead() { return false; }
 
-bool OxStream::CanWrite() {
-  return false;
-}
+bool OxStream::CanWrite() { return false; }
 
-bool OxStream::CanSeek() {
-  return false;
-}
+bool OxStream::CanSeek() { return false; }
 
-long long OxStream::Write(unsigned char*, unsigned long long, long long, OxStream_Seek_Origin) {
-  return 0;
-}
+long long OxStream::Write(unsigned char*, unsigned long long, long long, OxStream_Seek_Origin) { return 0; }
 
 long long OxStream::Seek(long long offset, OxStream_Seek_Origin origin) {
   if (!CanSeek()) return m_position;
@@ -39,13 +31,9 @@ long long OxStream::Seek(long long offset, OxStream_Seek_Origin origin) {
   return m_position;
 }
 
-long long OxStream::WriteCFData(const CFData*, long long, OxStream_Seek_Origin) {
-  return 0;
-}
+long long OxStream::WriteCFData(const CFData*, long long, OxStream_Seek_Origin) { return 0; }
 
-OxStream& OxStream::operator=(const OxStream&) {
-  return *this;
-}
+OxStream& OxStream::operator=(const OxStream&) { return *this; }
 
 _OxRange OxStream::CalcReadRange(unsigned long long size, long long offset, OxStream_Seek_Origin origin) const {
   constexpr _OxRange kNothing = {0, 0};

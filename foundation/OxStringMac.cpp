@@ -8,12 +8,8 @@ namespace {
 
 constexpr unsigned int kReplacementCharacter = 0xFFFD;
 
-bool isHighSurrogate(unsigned int unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-bool isLowSurrogate(unsigned int unit) {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
+bool isHighSurrogate(unsigned int unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool isLowSurrogate(unsigned int unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
 unsigned int UnitAt(const char* bytes, std::size_t index) {
   const auto high = static_cast<unsigned char>(bytes[2 * index]);
@@ -101,6 +97,4 @@ OxStringMac OxStringMac::operator+(const OxStringMac& other) const {
   return sum;
 }
 
-OxSharedPtr<OxStringMac> OxStringMac::Description() {
-  return OxSharedPtr<OxStringMac>(new OxStringMac(*this));
-}
+OxSharedPtr<OxStringMac> OxStringMac::Description() { return OxSharedPtr<OxStringMac>(new OxStringMac(*this)); }

@@ -4,6 +4,4 @@ OxSharedPtr<OxVector<unsigned char>> CreateOxVectorUInt8() {
   return OxSharedPtr<OxVector<unsigned char>>(new OxVector<unsigned char>);
 }
 
-OxSharedPtr<OxVector<int>> CreateOxVectorSInt32() {
-  return OxSharedPtr<OxVector<int>>(new OxVector<int>);
-}
+OxSharedPtr<OxVector<int>> CreateOxVectorSInt32() { return OxSharedPtr<OxVector<int>>(new OxVector<int>); }

@@ -28,9 +28,7 @@ void ParseMetaData::SetStream(OxSharedPtr<OxStream> stream) {
   m_position = 0;
 }
 
-void ParseMetaData::ResetStream() {
-  SetStream({});
-}
+void ParseMetaData::ResetStream() { SetStream({}); }
 
 unsigned long long ParseMetaData::RestLength() const {
   if (!m_stream || m_position > m_stream->Length()) return 0;
@@ -76,38 +74,22 @@ bool ParseMetaData::GetUnsigned(Unsigned* value) {
   return true;
 }
 
-bool ParseMetaData::GetUInt8(unsigned char* value) {
-  return GetUnsigned(value);
-}
+bool ParseMetaData::GetUInt8(unsigned char* value) { return GetUnsigned(value); }
 
-bool ParseMetaData::GetUInt16(unsigned short* value) {
-  return GetUnsigned(value);
-}
+bool ParseMetaData::GetUInt16(unsigned short* value) { return GetUnsigned(value); }
 
-bool ParseMetaData::GetUInt32(unsigned int* value) {
-  return GetUnsigned(value);
-}
+bool ParseMetaData::GetUInt32(unsigned int* value) { return GetUnsigned(value); }
 
-bool ParseMetaData::GetUInt64(unsigned long long* value) {
-  return GetUnsigned(value);
-}
+bool ParseMetaData::GetUInt64(unsigned long long* value) { return GetUnsigned(value); }
 
 // The signed reads: the same bits, read as two's complement.
-bool ParseMetaData::GetInt8(signed char* value) {
-  return GetUnsigned(reinterpret_cast<unsigned char*>(value));
-}
+bool ParseMetaData::GetInt8(signed char* value) { return GetUnsigned(reinterpret_cast<unsigned char*>(value)); }
 
-bool ParseMetaData::GetInt16(short* value) {
-  return GetUnsigned(reinterpret_cast<unsigned short*>(value));
-}
+bool ParseMetaData::GetInt16(short* value) { return GetUnsigned(reinterpret_cast<unsigned short*>(value)); }
 
-bool ParseMetaData::GetInt32(int* value) {
-  return GetUnsigned(reinterpret_cast<unsigned int*>(value));
-}
+bool ParseMetaData::GetInt32(int* value) { return GetUnsigned(reinterpret_cast<unsigned int*>(value)); }
 
-bool ParseMetaData::GetInt64(long long* value) {
-  return GetUnsigned(reinterpret_cast<unsigned long long*>(value));
-}
+bool ParseMetaData::GetInt64(long long* value) { return GetUnsigned(reinterpret_cast<unsigned long long*>(value)); }
 
 bool ParseMetaData::GetUUID(MxfUUID* value) {
   unsigned char bytes[MxfUUID::kSize];

@@ -23,9 +23,7 @@ constexpr unsigned int kStatusNoMemory = 0x00140002;
 
 // The steps that read packets and open a clip look at the low half of a status only; a status such as 0x00130000
 // counts as success there. Everyone else compares the whole value with kStatusOK.
-constexpr bool isLowHalfOK(unsigned int status) {
-  return (status & 0xFFFFu) == 0;
-}
+constexpr bool isLowHalfOK(unsigned int status) { return (status & 0xFFFFu) == 0; }
 
 // One line for people; never empty.
 constexpr const char* StatusText(unsigned int status) {

@@ -14,9 +14,7 @@ bool Matches(const Bytes16& bytes, std::size_t first, std::initializer_list<unsi
 }
 
 // The local-set coding: any tag and length coding, which lie in bits 3 to 6 (ST 336).
-bool isLocalSetCoding(unsigned char byte5) {
-  return (byte5 & 0x07) == 0x03;
-}
+bool isLocalSetCoding(unsigned char byte5) { return (byte5 & 0x07) == 0x03; }
 
 unsigned int PartitionOrIndexPack(const Bytes16& bytes) {
   if (bytes[12] != 0x01) return kKeyDefinedLengthPack;
@@ -62,9 +60,7 @@ unsigned int ULKey::GetKeyType() const {
   }
 }
 
-unsigned int ULKey::GetKeyKind() const {
-  return KeyKind(GetKeyType());
-}
+unsigned int ULKey::GetKeyKind() const { return KeyKind(GetKeyType()); }
 
 unsigned int ULKey::Category_Dictionaries() const {
   switch (Bytes()[5]) {
@@ -96,13 +92,9 @@ unsigned int ULKey::Category_WrappersAndContainers() const {
   return Bytes()[5] == 0x02 ? kKeyContainer : kKeyUnrecognised;
 }
 
-unsigned int ULKey::Category_Labels() const {
-  return kKeyLabel;
-}
+unsigned int ULKey::Category_Labels() const { return kKeyLabel; }
 
-unsigned int ULKey::Category_RegisteredPrivateInformation() const {
-  return kKeyPrivate;
-}
+unsigned int ULKey::Category_RegisteredPrivateInformation() const { return kKeyPrivate; }
 
 unsigned int ULKey::Registry_MetadataDictionaries() const {
   const bool isSequenceInfo = Matches(Bytes(), 6, {0x01, 0x0D, 0x0E, 0x15, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00});

@@ -43,13 +43,9 @@ enum KeyType : unsigned int {
 };
 
 // The kind of a key type: its top byte.
-constexpr unsigned int KeyKind(unsigned int keyType) {
-  return keyType & 0xFF000000u;
-}
+constexpr unsigned int KeyKind(unsigned int keyType) { return keyType & 0xFF000000u; }
 // Whether a key type is a structural metadata set of any kind.
-constexpr bool isStructuralSet(unsigned int keyType) {
-  return (keyType & 0xFFFF0000u) == kKeyStructuralSet;
-}
+constexpr bool isStructuralSet(unsigned int keyType) { return (keyType & 0xFFFF0000u) == kKeyStructuralSet; }
 
 // A SMPTE universal label (ST 298) that tells what it stands for. Classifying never fails: any 16 bytes give a code.
 class CLIPPARSER_EXPORT ULKey : public MxfUUID {

@@ -71,9 +71,7 @@ void IndexTableSegment::init() {
   m_indexEntries.Reset();
 }
 
-bool IndexTableSegment::isImportable() {
-  return PacketType() == kKeyIndexTableSegment;
-}
+bool IndexTableSegment::isImportable() { return PacketType() == kKeyIndexTableSegment; }
 
 unsigned int IndexTableSegment::Import(OxSharedPtr<OxStream> stream, long long offset) {
   const OxSharedPtr<LocalSets> localSets(new LocalSets);

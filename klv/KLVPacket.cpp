@@ -14,21 +14,15 @@ KLVPacket::KLVPacket(OxSharedPtr<KLVPacket> other) {
 
 KLVPacket::~KLVPacket() = default;
 
-void KLVPacket::SetKey(const MxfUUID* key) {
-  m_key.SetKey(key);
-}
+void KLVPacket::SetKey(const MxfUUID* key) { m_key.SetKey(key); }
 
-bool KLVPacket::isImportable() {
-  return false;
-}
+bool KLVPacket::isImportable() { return false; }
 
 unsigned int KLVPacket::Import(OxSharedPtr<OxStream> stream) {
   return Import(std::move(stream), static_cast<long long>(m_valueOffset));
 }
 
-unsigned int KLVPacket::Import(OxSharedPtr<OxStream>, long long) {
-  return kStatusOK;
-}
+unsigned int KLVPacket::Import(OxSharedPtr<OxStream>, long long) { return kStatusOK; }
 
 // The packet operations of the byte reader. They stand here because they know packets, which the reader's own layer
 // does not.
@@ -50,13 +44,9 @@ PacketHead ParseMetaData::ReadKeyAndLength(KLVPacket* packet) {
   return PacketHead::Read;
 }
 
-bool ParseMetaData::ParseKeyAndLength(KLVPacket* packet) {
-  return ReadKeyAndLength(packet) != PacketHead::Failed;
-}
+bool ParseMetaData::ParseKeyAndLength(KLVPacket* packet) { return ReadKeyAndLength(packet) != PacketHead::Failed; }
 
-bool ParseMetaData::ParseKeyAndLength(OxSharedPtr<KLVPacket> packet) {
-  return ParseKeyAndLength(packet.get());
-}
+bool ParseMetaData::ParseKeyAndLength(OxSharedPtr<KLVPacket> packet) { return ParseKeyAndLength(packet.get()); }
 
 bool ParseMetaData::ParsePacket(KLVPacket* packet) {
   if (packet == nullptr || !m_stream) return false;
@@ -68,9 +58,7 @@ bool ParseMetaData::ParsePacket(KLVPacket* packet) {
   return isParsed;
 }
 
-bool ParseMetaData::ParsePacket(OxSharedPtr<KLVPacket> packet) {
-  return ParsePacket(packet.get());
-}
+bool ParseMetaData::ParsePacket(OxSharedPtr<KLVPacket> packet) { return ParsePacket(packet.get()); }
 
 bool ParseMetaData::ParsePacketValue(KLVPacket* packet) {
   if (packet == nullptr || !m_stream) return false;
@@ -82,6 +70,4 @@ bool ParseMetaData::ParsePacketValue(KLVPacket* packet) {
   return true;
 }
 
-bool ParseMetaData::ParsePacketValue(OxSharedPtr<KLVPacket> packet) {
-  return ParsePacketValue(packet.get());
-}
+bool ParseMetaData::ParsePacketValue(OxSharedPtr<KLVPacket> packet) { return ParsePacketValue(packet.get()); }

@@ -31,13 +31,9 @@ bool GetAs32(ParseMetaData& reader, bool (ParseMetaData::*read)(Stored*), unsign
 
 }  // namespace
 
-LocalSets::LocalSets() {
-  init();
-}
+LocalSets::LocalSets() { init(); }
 
-LocalSets::LocalSets(OxSharedPtr<KLVPacket> packet) : KLVPacket(packet) {
-  init();
-}
+LocalSets::LocalSets(OxSharedPtr<KLVPacket> packet) : KLVPacket(packet) { init(); }
 
 LocalSets::~LocalSets() = default;
 
@@ -48,9 +44,7 @@ void LocalSets::init() {
   m_items.clear();
 }
 
-bool LocalSets::isImportable() {
-  return key().GetKeyKind() == kKeyLocalSet;
-}
+bool LocalSets::isImportable() { return key().GetKeyKind() == kKeyLocalSet; }
 
 unsigned int LocalSets::Import(OxSharedPtr<OxStream> stream, long long offset) {
   if (!stream) return kStatusNoInput;
@@ -162,13 +156,9 @@ const LocalSetTagData* LocalSets::FindItem(_LocalTag tag) const {
   return item != m_items.end() && item->tag == tag ? &item->data : nullptr;
 }
 
-void LocalSets::Lock() {
-  m_reader->Lock();
-}
+void LocalSets::Lock() { m_reader->Lock(); }
 
-void LocalSets::Unlock() {
-  m_reader->Unlock();
-}
+void LocalSets::Unlock() { m_reader->Unlock(); }
 
 OxSharedPtr<OxStringMac> LocalSets::Description() {
   const OxAutoLock guard(m_reader);

@@ -33,9 +33,7 @@ OxSharedPtr<MxfUUID> PrimerPack::UIDAtTag(unsigned short tag) const {
   return {};
 }
 
-bool PrimerPack::isImportable() {
-  return PacketType() == kKeyPrimerPack;
-}
+bool PrimerPack::isImportable() { return PacketType() == kKeyPrimerPack; }
 
 unsigned int PrimerPack::Import(OxSharedPtr<OxStream> stream, long long offset) {
   m_tags.clear();

@@ -24,9 +24,7 @@ bool RandomIndexPack::GetOffsetAtIndex(unsigned int index, unsigned long long& o
   return true;
 }
 
-bool RandomIndexPack::isImportable() {
-  return PacketType() == kKeyRandomIndexPack;
-}
+bool RandomIndexPack::isImportable() { return PacketType() == kKeyRandomIndexPack; }
 
 unsigned int RandomIndexPack::Import(OxSharedPtr<OxStream> stream, long long offset) {
   m_entries.clear();

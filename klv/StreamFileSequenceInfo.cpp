@@ -26,9 +26,7 @@ StreamFileSequenceInfo::~StreamFileSequenceInfo() = default;
 
 void StreamFileSequenceInfo::init() {}
 
-bool StreamFileSequenceInfo::isImportable() {
-  return PacketType() == kKeyStreamFileSequenceInfo;
-}
+bool StreamFileSequenceInfo::isImportable() { return PacketType() == kKeyStreamFileSequenceInfo; }
 
 unsigned int StreamFileSequenceInfo::Import(OxSharedPtr<OxStream> stream, long long offset) {
   if (!stream) return kStatusUnreadable;

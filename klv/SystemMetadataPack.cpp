@@ -30,9 +30,7 @@ bool SystemMetadataPack::UserDate(unsigned char* date) const {
   return date != nullptr;
 }
 
-bool SystemMetadataPack::isImportable() {
-  return PacketType() == kKeySystemMetadataPack;
-}
+bool SystemMetadataPack::isImportable() { return PacketType() == kKeySystemMetadataPack; }
 
 unsigned int SystemMetadataPack::Import(OxSharedPtr<OxStream> stream, long long offset) {
   if (!stream) return kStatusNoInput;

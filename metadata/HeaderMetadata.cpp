@@ -32,9 +32,7 @@ OxSharedPtr<OxObject> ValueAt(const OxSharedPtr<OxMutableArray>& sets, unsigned 
   return ValueAs<OxObject>(sets->ObjectAtIndex(index), tag);
 }
 
-unsigned int CountOf(const OxSharedPtr<OxMutableArray>& sets) {
-  return static_cast<unsigned int>(sets->Count());
-}
+unsigned int CountOf(const OxSharedPtr<OxMutableArray>& sets) { return static_cast<unsigned int>(sets->Count()); }
 
 std::optional<unsigned int> LinkedTrackID(const OxSharedPtr<STMetadataSets>& descriptor) {
   unsigned int trackID = 0;
@@ -182,29 +180,21 @@ OxSharedPtr<OxObject> HeaderMetadata::PrefaceInfoForTag(_LocalTag tag) const {
   return ValueAs<OxObject>(m_preface, tag);
 }
 
-OxSharedPtr<OxArray> HeaderMetadata::Identifications() const {
-  return m_identifications;
-}
+OxSharedPtr<OxArray> HeaderMetadata::Identifications() const { return m_identifications; }
 
-unsigned int HeaderMetadata::IdentificationCount() const {
-  return CountOf(m_identifications);
-}
+unsigned int HeaderMetadata::IdentificationCount() const { return CountOf(m_identifications); }
 
 OxSharedPtr<OxObject> HeaderMetadata::IdentificationInfoForTag(_LocalTag tag, unsigned int index) const {
   return ValueAt(m_identifications, index, tag);
 }
 
-unsigned int HeaderMetadata::EssenceContainerDataCount() const {
-  return CountOf(m_essenceContainerData);
-}
+unsigned int HeaderMetadata::EssenceContainerDataCount() const { return CountOf(m_essenceContainerData); }
 
 OxSharedPtr<OxObject> HeaderMetadata::EssenceContainerDataForTag(_LocalTag tag, unsigned int index) const {
   return ValueAt(m_essenceContainerData, index, tag);
 }
 
-unsigned int HeaderMetadata::MaterialPackageCount() const {
-  return CountOf(m_materialPackages);
-}
+unsigned int HeaderMetadata::MaterialPackageCount() const { return CountOf(m_materialPackages); }
 
 OxSharedPtr<STMetadataSets> HeaderMetadata::MaterialPackage(unsigned int index) const {
   return m_materialPackages->ObjectAtIndex(index);

@@ -20,9 +20,7 @@ STTrack::STTrack() : m_components(new (std::nothrow) OxMutableArray), m_descript
 
 STTrack::~STTrack() = default;
 
-void STTrack::SetPrimerPack(OxSharedPtr<PrimerPack> primer) {
-  m_primer = std::move(primer);
-}
+void STTrack::SetPrimerPack(OxSharedPtr<PrimerPack> primer) { m_primer = std::move(primer); }
 
 unsigned int STTrack::SetTrack(OxSharedPtr<STMetadataSets> track) {
   if (!track) return kStatusNoInput;

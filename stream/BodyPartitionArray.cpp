@@ -8,9 +8,7 @@
 
 namespace {
 
-_BodyPartitionInfo NewPartition(unsigned long long fileOffset) {
-  return {kBodyPartitionExists, fileOffset, 0, 0, {}};
-}
+_BodyPartitionInfo NewPartition(unsigned long long fileOffset) { return {kBodyPartitionExists, fileOffset, 0, 0, {}}; }
 
 // The number of the segment that would hold an edit unit if all were as long as the first. None where the division is
 // undefined or the number cannot be a segment's.
@@ -30,17 +28,11 @@ BodyPartitionArray::BodyPartitionArray() = default;
 
 BodyPartitionArray::~BodyPartitionArray() = default;
 
-void BodyPartitionArray::Clear() {
-  m_partitions.clear();
-}
+void BodyPartitionArray::Clear() { m_partitions.clear(); }
 
-void BodyPartitionArray::AddFront(unsigned long long fileOffset) {
-  m_partitions.push_front(NewPartition(fileOffset));
-}
+void BodyPartitionArray::AddFront(unsigned long long fileOffset) { m_partitions.push_front(NewPartition(fileOffset)); }
 
-void BodyPartitionArray::AddBack(unsigned long long fileOffset) {
-  m_partitions.push_back(NewPartition(fileOffset));
-}
+void BodyPartitionArray::AddBack(unsigned long long fileOffset) { m_partitions.push_back(NewPartition(fileOffset)); }
 
 unsigned int BodyPartitionArray::SetFromRandomIndexPack(OxSharedPtr<RandomIndexPack> pack) {
   if (!pack) return kStatusNoInput;

@@ -98,9 +98,7 @@ class TestDisk {
 
 using StreamPtr = OxSharedPtr<CacheFileStream>;
 
-inline StreamPtr OpenStream(const std::string& path) {
-  return CacheFileStream::Create(CreateOxString(path));
-}
+inline StreamPtr OpenStream(const std::string& path) { return CacheFileStream::Create(CreateOxString(path)); }
 
 // Reads and compares each byte with the pattern: the count, or -1 for a wrong byte.
 inline long long ReadPattern(CacheFileStream& stream, unsigned int number, unsigned long long size, long long offset) {

@@ -639,9 +639,7 @@ Clip::Clip(const ClipOptions& clipOptions) : options(clipOptions) {
   if (options.randomIndex != RandomIndex::Absent) length += RandomIndexPack(*this).data.size();
 }
 
-unsigned Clip::ElementCount() const {
-  return Model(options).Count();
-}
+unsigned Clip::ElementCount() const { return Model(options).Count(); }
 
 Element Clip::ElementAt(u64 unit, unsigned element) const {
   const auto after = std::upper_bound(partitions.begin() + 1, partitions.end() - 1, unit,
@@ -654,9 +652,7 @@ Element Clip::ElementAt(u64 unit, unsigned element) const {
   return {model.items[element].kind, offset, offset + Model::HeadSize(size), size};
 }
 
-IndexEntry Clip::EntryAt(u64 unit) const {
-  return Model(options).Entry(unit, units);
-}
+IndexEntry Clip::EntryAt(u64 unit) const { return Model(options).Entry(unit, units); }
 
 Bytes Clip::ElementBytes(u64 unit, unsigned element) const {
   const Model model(options);

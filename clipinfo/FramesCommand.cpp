@@ -1,0 +1,49 @@
+#include "clipinfo/FramesCommand.h"
+
+#include "clipinfo/Clip.h"
+
+namespace {
+
+// `row.elements` has its size already.
+void ReadRow(Clip& clip, unsigned int editUnit, FrameRow& row) {
+  MXFStream& stream = clip.Stream();
+  row.editUnit = editUnit;
+  if (!stream.GetEditUnitInfo(editUnit, row.temporalOffset, row.keyFrameOffset, row.flags)) {
+    throw CommandError(clip.NoIndexText(editUnit));
+  }
+  for (unsigned int i = 0; i < row.elements.size(); ++i) {
+    unsigned long long offset = 0;
+    const bool isFound = stream.GetEssenceOffset(editUnit, i, offset) == kStatusOK;
+    row.elements[i] = isFound ? clip.ElementAt(offset) : Element();
+  }
+}
+
+bool isWhole(const FrameRow& row) {
+  for (const Element& element : row.elements) {
+    if (!element.isRead) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void RunFrames(std::ostream& out, const FramesOptions& options) {
+  Clip clip(options.path);
+  const EditUnits units = clip.ParseRange(options.range);
+  const auto first = static_cast<unsigned int>(units.begin);
+  FrameRow row;
+  // Asked for once: a question for an element that does not exist costs a search in the index.
+  row.elements.resize(clip.ElementCount(first));
+  if (row.elements.empty()) throw CommandError(clip.NoIndexText(first));
+
+  const std::unique_ptr<RowWriter> writer = MakeRowWriter(options.format, out);
+  unsigned long long incomplete = 0;
+  writer->Begin(static_cast<unsigned int>(row.elements.size()));
+  for (unsigned long long unit = units.begin; unit < units.end && out; ++unit) {
+    ReadRow(clip, static_cast<unsigned int>(unit), row);
+    writer->Row(row);
+    if (!isWhole(row)) ++incomplete;
+  }
+  writer->End();
+  if (incomplete != 0) throw CommandError(std::to_string(incomplete) + " edit units have elements that are unreadable");
+}
