@@ -42,7 +42,7 @@ OxSharedPtr<CacheFileStream> CacheFileStream::Create(OxSharedPtr<OxStringMac> pa
 }
 
 unsigned int CacheFileStream::Init(OxSharedPtr<OxStringMac> path) {
-  OxAutoLock guard(m_lock.get());
+  OxAutoLock guard(&m_lock);
   // Blocks of a file opened earlier must not answer for the new one.
   LeavePool();
   EraseCache();
@@ -60,7 +60,7 @@ bool CacheFileStream::CanSeek() { return m_file.IsOpen(); }
 long long CacheFileStream::Read(unsigned char* buffer, unsigned long long size, long long offset,
                                 OxStream_Seek_Origin origin) {
   try {
-    OxAutoLock guard(m_lock.get());
+    OxAutoLock guard(&m_lock);
     if (buffer == nullptr || !CanRead()) return 0;
     const _OxRange range = CalcReadRange(size, offset, origin);
     if (range.length == 0) return 0;
@@ -71,26 +71,26 @@ long long CacheFileStream::Read(unsigned char* buffer, unsigned long long size, 
 }
 
 long long CacheFileStream::Seek(long long offset, OxStream_Seek_Origin origin) {
-  OxAutoLock guard(m_lock.get());
+  OxAutoLock guard(&m_lock);
   return OxStream::Seek(offset, origin);
 }
 
 void CacheFileStream::SetUseCache(FBCMemoryCache* cache) {
-  OxAutoLock guard(m_lock.get());
+  OxAutoLock guard(&m_lock);
   m_cache = cache;
   // A cache that is not counted yet must not be wrapped: it is its maker's to delete.
   m_keptAlive = cache != nullptr && cache->BelongsToPool() ? OxSharedPtr<FBCMemoryCache>(cache) : nullptr;
 }
 
 void CacheFileStream::EraseCache() {
-  OxAutoLock guard(m_lock.get());
+  OxAutoLock guard(&m_lock);
   m_cache = nullptr;
   m_keptAlive.Reset();
 }
 
 unsigned long long CacheFileStream::ReadFromCache(unsigned char* buffer, unsigned long long offset,
                                                   unsigned long long length) {
-  OxAutoLock guard(m_lock.get());
+  OxAutoLock guard(&m_lock);
   const LentCache cache = LockCacheInUse();
   if (buffer == nullptr || !cache || offset >= Length()) return 0;
   return CopyFromCache(cache.get(), buffer, offset, length);
@@ -98,7 +98,7 @@ unsigned long long CacheFileStream::ReadFromCache(unsigned char* buffer, unsigne
 
 unsigned long long CacheFileStream::ReadFromFile(unsigned char* buffer, unsigned long long offset,
                                                  unsigned long long length) {
-  OxAutoLock guard(m_lock.get());
+  OxAutoLock guard(&m_lock);
   const LentCache cache = LockCacheInUse();
   if (buffer == nullptr || !cache || offset >= Length()) return 0;
   return CopyFromFile(cache.get(), buffer, offset, length);

@@ -5,6 +5,7 @@
 #include "cache/IMemoryCacheManagerAccess.h"
 #include "cache/ReadOnlyFile.h"
 #include "foundation/Export.h"
+#include "foundation/OxRecursiveLock.h"
 #include "foundation/OxSharedPtr.h"
 #include "foundation/OxStream.h"
 #include "foundation/OxStringMac.h"
@@ -67,6 +68,7 @@ class CLIPPARSER_EXPORT CacheFileStream : public OxStream, public IMemoryCacheMa
   unsigned long long CopyFromFile(FBCMemoryCache* cache, unsigned char* buffer, unsigned long long offset,
                                   unsigned long long length);
 
+  OxRecursiveLock m_lock;
   ReadOnlyFile m_file;
   // Not owned. Between two reads it may point to a pool's cache that is lent elsewhere or has no memory any more, which
   // only the cache itself can tell, under its lock.

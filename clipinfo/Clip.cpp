@@ -8,8 +8,6 @@
 #include <charconv>
 #include <cstring>
 
-#include "cache/CacheFileStream.h"
-
 namespace {
 
 // Edit units are asked for as 32-bit numbers.
@@ -45,20 +43,15 @@ bool ParseNumber(const std::string& text, unsigned long long& number) {
 
 Clip::Clip(const std::string& path) {
   CheckFile(path);
-  const OxSharedPtr<OxStringMac> name = CreateOxString(path);
-  const OxSharedPtr<CacheFileStream> file = CacheFileStream::Create(name);
-  if (!file) throw CommandError("cannot be opened");
-  m_reader.SetStream(file);
-  Open(name);
-}
-
-void Clip::Open(const OxSharedPtr<OxStringMac>& path) {
-  m_stream = std::make_unique<MXFStream>(path);
+  m_stream = std::make_unique<MXFStream>(CreateOxString(path));
+  if (!m_stream->GetStream()) throw CommandError("cannot be opened");
+  m_reader.SetStream(m_stream->GetStream());
   if (m_stream->Parse() != kStatusOK) throw CommandError(OpeningFault(*m_stream));
 }
 
 Element Clip::ElementAt(unsigned long long offset) {
   Element element;
+  element.isFound = true;
   element.offset = offset;
   KLVPacket packet;
   element.isRead = m_reader.SetOffset(static_cast<long long>(offset), kOxStreamSeekFromStart) &&
@@ -82,9 +75,8 @@ bool Clip::isHeaderIndexMissing() const {
   return pack && pack->MajorVersion() == 1 && pack->MinorVersion() == 3 && pack->IndexByteCount() == 0;
 }
 
-std::string Clip::NoIndexText(unsigned long long editUnit) const {
-  const std::string text = "edit unit " + std::to_string(editUnit) + " is in no index";
-  return isHeaderIndexMissing() ? text + ": no index in the header partition" : text;
+const char* Clip::NoIndexText() const {
+  return isHeaderIndexMissing() ? "no index in the header partition" : "in no index of the clip";
 }
 
 EditUnits Clip::ParseRange(const std::string& text) const {

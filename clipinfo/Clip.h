@@ -21,6 +21,7 @@ struct EditUnits {
 
 // One element of an edit unit, by its key and length in the file.
 struct Element {
+  bool isFound = false;           // otherwise nothing else counts: the index does not tell where it lies
   bool isRead = false;            // otherwise only the offset counts: no whole packet lies there
   unsigned long long offset = 0;  // of the key
   unsigned int type = 0;          // of the key, see KeyType
@@ -45,13 +46,11 @@ class Clip {
   // Whether the file keeps its index in the header partition, but has none there.
   [[nodiscard]] bool isHeaderIndexMissing() const;
   // Why an edit unit has no answers.
-  [[nodiscard]] std::string NoIndexText(unsigned long long editUnit) const;
+  [[nodiscard]] const char* NoIndexText() const;
   // What `text`, A:B with either left out, means for this clip. Throws CommandError when it lies outside the clip.
   [[nodiscard]] EditUnits ParseRange(const std::string& text) const;
 
  private:
-  void Open(const OxSharedPtr<OxStringMac>& path);
-
   ParseMetaData m_reader;
   std::unique_ptr<MXFStream> m_stream;
 };

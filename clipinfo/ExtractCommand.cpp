@@ -1,22 +1,14 @@
-#include "clipinfo/ExtractCommand.h"
-
-#include <csignal>
 #include <limits>
 #include <vector>
 
 #include "clipinfo/Clip.h"
+#include "clipinfo/Commands.h"
 #include "clipinfo/OutputFile.h"
 #include "clipinfo/Progress.h"
 
 namespace {
 
 constexpr unsigned long long kNoLocation = 0x7FFFFFFFFFFFFFFF;  // what RangeEssenceData says on failure
-
-volatile std::sig_atomic_t g_isInterrupted = 0;
-
-extern "C" void NoteInterrupt(int) {
-  g_isInterrupted = 1;
-}
 
 [[noreturn]] void FailAt(unsigned int editUnit, const std::string& reason) {
   throw CommandError("edit unit " + std::to_string(editUnit) + ": " + reason);
@@ -58,7 +50,7 @@ class Extractor {
 
   [[nodiscard]] std::string Reason(unsigned int editUnit) {
     const unsigned int count = m_clip.ElementCount(editUnit);
-    if (count == 0) return m_clip.NoIndexText(editUnit);
+    if (count == 0) return m_clip.NoIndexText();
     return "no element " + std::to_string(m_element) + ", the index has " + std::to_string(count);
   }
 
@@ -75,11 +67,9 @@ void RunExtract(const ExtractOptions& options) {
   Extractor extractor(clip, options.element);
   OutputFile output(options.output, options.path);
   Progress progress(units.end - units.begin);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, NoteInterrupt);
   for (unsigned long long i = units.begin; i < units.end; ++i) {
     const auto editUnit = static_cast<unsigned int>(i);
     const std::vector<unsigned char>& bytes = extractor.Read(editUnit);
-    if (g_isInterrupted != 0) FailAt(editUnit, "interrupted");
     try {
       output.Write(bytes.data(), bytes.size());
     } catch (const CommandError& error) {

@@ -1,15 +1,18 @@
-#include "clipinfo/FramesCommand.h"
-
 #include "clipinfo/Clip.h"
+#include "clipinfo/Commands.h"
 
 namespace {
+
+[[noreturn]] void FailAt(const Clip& clip, unsigned int editUnit) {
+  throw CommandError("edit unit " + std::to_string(editUnit) + ": " + clip.NoIndexText());
+}
 
 // `row.elements` has its size already.
 void ReadRow(Clip& clip, unsigned int editUnit, FrameRow& row) {
   MXFStream& stream = clip.Stream();
   row.editUnit = editUnit;
   if (!stream.GetEditUnitInfo(editUnit, row.temporalOffset, row.keyFrameOffset, row.flags)) {
-    throw CommandError(clip.NoIndexText(editUnit));
+    FailAt(clip, editUnit);
   }
   for (unsigned int i = 0; i < row.elements.size(); ++i) {
     unsigned long long offset = 0;
@@ -34,7 +37,7 @@ void RunFrames(std::ostream& out, const FramesOptions& options) {
   FrameRow row;
   // Asked for once: a question for an element that does not exist costs a search in the index.
   row.elements.resize(clip.ElementCount(first));
-  if (row.elements.empty()) throw CommandError(clip.NoIndexText(first));
+  if (row.elements.empty()) FailAt(clip, first);
 
   const std::unique_ptr<RowWriter> writer = MakeRowWriter(options.format, out);
   unsigned long long incomplete = 0;

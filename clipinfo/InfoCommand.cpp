@@ -1,12 +1,9 @@
-#include "clipinfo/InfoCommand.h"
-
 #include <algorithm>
 #include <array>
 
 #include "clipinfo/Clip.h"
-#include "clipinfo/Packages.h"
-#include "clipinfo/Partitions.h"
-#include "clipinfo/Text.h"
+#include "clipinfo/Commands.h"
+#include "clipinfo/Summary.h"
 #include "klv/SystemMetadataPack.h"
 
 namespace {
@@ -44,17 +41,11 @@ void PrintHead(std::ostream& out, Clip& clip) {
 }
 
 void PrintIdentifications(std::ostream& out, const HeaderMetadata& header) {
-  struct Item {
-    _LocalTag tag;
-    const char* name;
-  };
   constexpr Item kItems[] = {{0x3C01, "company"}, {0x3C02, "product"},     {0x3C04, "version"},
                              {0x3C06, "date"},    {0x3C05, "product UID"}, {0x3C09, "generation UID"}};
   for (unsigned int i = 0; i < header.IdentificationCount(); ++i) {
     PrintRow(out, 0, "Identification " + std::to_string(i + 1), "");
-    for (const Item& item : kItems) {
-      PrintRow(out, 1, item.name, ValueText(header.IdentificationInfoForTag(item.tag, i)));
-    }
+    PrintItems(out, 1, kItems, [&](_LocalTag tag) { return header.IdentificationInfoForTag(tag, i); });
   }
 }
 
@@ -83,7 +74,8 @@ std::string NumberText(unsigned int status, const OxSharedPtr<OxNumber>& number,
   return number ? std::string(number->Description()->UTF8String()) : kNotPresent;
 }
 
-// Whether a second packet follows the system metadata pack in the system item of the first edit unit.
+// Whether a second packet follows the system metadata pack in the system item of the first edit unit. Also true where
+// that cannot be told.
 bool isPackageSetPresent(Clip& clip) {
   unsigned long long offset = 0;
   if (clip.Stream().GetEssenceOffset(0, kSystemItem, offset) != kStatusOK) return true;
@@ -128,7 +120,7 @@ void PrintCamera(std::ostream& out, Clip& clip) {
   MXFStream& stream = clip.Stream();
   unsigned long long offset = 0;
   const bool isIndexed = stream.GetEssenceOffset(0, kSystemItem, offset) == kStatusOK;
-  PrintRow(out, 0, "Camera information", isIndexed ? "" : clip.NoIndexText(0));
+  PrintRow(out, 0, "Camera information", isIndexed ? "" : std::string("edit unit 0: ") + clip.NoIndexText());
   PrintRow(out, 1, "user bits",
            AnswerText<4>([&](unsigned char* bits) { return stream.GetUserBit(bits); },
                          [](const unsigned char* bits) { return HexText(bits, 4); }));

@@ -1,5 +1,4 @@
-#include "clipinfo/LabelNames.h"
-
+#include "clipinfo/Text.h"
 #include "foundation/UUIDDefine.h"
 
 namespace {

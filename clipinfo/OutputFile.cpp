@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -17,6 +18,11 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr mode_t kReadWriteForAll = 0666;  // less what the umask takes
+
+// Set by a signal that ends the program, so that the unfinished file can be removed first.
+volatile std::sig_atomic_t g_isInterrupted = 0;
+
+extern "C" void NoteInterrupt(int) { g_isInterrupted = 1; }
 
 // A link stays: the file that it leads to is replaced.
 std::string Resolved(const std::string& path) {
@@ -56,6 +62,7 @@ void OutputFile::OpenBeside(const std::string& path) {
   m_descriptor = ::open(partPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kReadWriteForAll);
   if (m_descriptor < 0) Fail();
   m_partPath = partPath;
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, NoteInterrupt);
 }
 
 OutputFile::~OutputFile() {
@@ -65,6 +72,7 @@ OutputFile::~OutputFile() {
 
 void OutputFile::Write(const unsigned char* bytes, std::size_t count) {
   while (count > 0) {
+    if (g_isInterrupted != 0) throw CommandError(m_name + ": interrupted");
     const ssize_t written = ::write(m_descriptor, bytes, count);
     if (written < 0 && errno == EINTR) continue;
     if (written < 0) Fail();
@@ -81,6 +89,4 @@ void OutputFile::Finish() {
   m_partPath.clear();
 }
 
-void OutputFile::Fail() const {
-  throw CommandError(m_name + ": " + std::strerror(errno));
-}
+void OutputFile::Fail() const { throw CommandError(m_name + ": " + std::strerror(errno)); }

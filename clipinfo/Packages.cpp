@@ -1,10 +1,8 @@
-#include "clipinfo/Packages.h"
-
 #include <algorithm>
-#include <functional>
 #include <set>
 #include <string>
 
+#include "clipinfo/Summary.h"
 #include "foundation/UUIDDefine.h"
 
 namespace {
@@ -28,17 +26,10 @@ constexpr _LocalTag kSampleRateTag = 0x3001;
 constexpr _LocalTag kContainerTag = 0x3004;
 constexpr _LocalTag kFrameLayoutTag = 0x320C;
 
-// Whatever answers for the tags of a component or descriptor.
-using Ask = std::function<OxSharedPtr<OxObject>(_LocalTag)>;
-
-struct Item {
-  _LocalTag tag;
-  const char* name;
-};
-
 constexpr Item kPackageItems[] = {{kPackageUIDTag, "UMID"}, {0x4405, "created"}, {0x4404, "modified"}};
-constexpr Item kPictureItems[] = {{0x320E, "aspect ratio"},    {0x3201, "coding"}, {0x3210, "gamma"},
-                                  {0x3219, "primaries"},       {0x3301, "bits"},   {kSampleRateTag, "frame rate"},
+constexpr Item kPictureItems[] = {{0x320E, "aspect ratio"},    {0x3201, "coding"},
+                                  {0x3210, "gamma"},           {0x3219, "primaries"},
+                                  {0x3301, "component bits"},  {kSampleRateTag, "frame rate"},
                                   {kContainerTag, "container"}};
 constexpr Item kSoundItems[] = {
     {0x3D03, "sampling rate"}, {0x3D01, "bits"}, {0x3D07, "channels"}, {kContainerTag, "container"}};
@@ -52,11 +43,6 @@ struct SizeItem {
 };
 constexpr SizeItem kSizes[] = {
     {"stored size", 0x3203, 0x3202}, {"sampled size", 0x3205, 0x3204}, {"display size", 0x3209, 0x3208}};
-
-template <class Items>
-void PrintItems(std::ostream& out, unsigned int indent, const Items& items, const Ask& ask) {
-  for (const Item& item : items) PrintRow(out, indent, item.name, ValueText(ask(item.tag)));
-}
 
 // --- Descriptors ---
 
@@ -91,33 +77,26 @@ void PrintPicture(std::ostream& out, unsigned int indent, const Ask& ask) {
 
 // --- Tracks ---
 
-enum class Kind { Timecode, Picture, Sound, Data, Other };
+enum class Kind { Timecode, Picture, Sound, Data };
 
-Kind KindOf(const STTrack& track) {
-  // SMPTE RP 224: data essence, which the catalogue does not hold.
-  static const MxfUUID kDataEssence(0x060E2B34, 0x04010101, 0x01030202, 0x03000000);
+struct KindRow {
+  Kind kind;
+  const char* name;
+  MxfUUID definition;
+};
+
+// The kind of a track by its data definition; null for one that is not known.
+const KindRow* KindOf(const STTrack& track) {
+  static const KindRow kKinds[] = {
+      {Kind::Timecode, "timecode", *FBC_UL_12MTimecodeTrack},
+      {Kind::Picture, "picture", *FBC_UL_PictureEssenceTrack},
+      {Kind::Sound, "sound", *FBC_UL_SoundEssenceTrack},
+      {Kind::Data, "data", {0x060E2B34, 0x04010101, 0x01030202, 0x03000000}}};  // RP 224; not in the catalogue
   const OxSharedPtr<MxfUUID> definition = track.DataDefinition();
-  if (!definition) return Kind::Other;
-  if (*definition == *FBC_UL_12MTimecodeTrack) return Kind::Timecode;
-  if (*definition == *FBC_UL_PictureEssenceTrack) return Kind::Picture;
-  if (*definition == *FBC_UL_SoundEssenceTrack) return Kind::Sound;
-  return *definition == kDataEssence ? Kind::Data : Kind::Other;
-}
-
-std::string KindText(const STTrack& track) {
-  switch (KindOf(track)) {
-    case Kind::Timecode:
-      return "timecode";
-    case Kind::Picture:
-      return "picture";
-    case Kind::Sound:
-      return "sound";
-    case Kind::Data:
-      return "data";
-    case Kind::Other:
-      break;
+  for (const KindRow& row : kKinds) {
+    if (definition && *definition == row.definition) return &row;
   }
-  return ValueText(track.DataDefinition());
+  return nullptr;
 }
 
 void PrintDescriptor(std::ostream& out, unsigned int indent, Kind kind, const Ask& ask) {
@@ -126,7 +105,7 @@ void PrintDescriptor(std::ostream& out, unsigned int indent, Kind kind, const As
   if (!isPresent) return;
   if (kind == Kind::Picture) PrintPicture(out, indent + 1, ask);
   if (kind == Kind::Sound) PrintItems(out, indent + 1, kSoundItems, ask);
-  if (kind == Kind::Data || kind == Kind::Other) PrintItems(out, indent + 1, kDataItems, ask);
+  if (kind == Kind::Data) PrintItems(out, indent + 1, kDataItems, ask);
 }
 
 // False when the component is not a timecode.
@@ -148,8 +127,10 @@ std::string TimecodeOf(const Ask& ask) {
 }
 
 std::string SourceClipText(const Ask& ask) {
+  const std::string package = ValueText(ask(kSourcePackageTag));
+  const bool isNone = package.find_first_not_of("0.") == std::string::npos;  // ST 377-1: the chain of sources ends here
   return "track " + ValueText(ask(kSourceTrackTag)) + " from " + ValueText(ask(kStartPositionTag)) + ", duration " +
-         ValueText(ask(kComponentDurationTag)) + ", of package " + ValueText(ask(kSourcePackageTag));
+         ValueText(ask(kComponentDurationTag)) + ", of package " + (isNone ? "none, this is the source" : package);
 }
 
 void PrintComponent(std::ostream& out, const Ask& ask) {
@@ -166,15 +147,23 @@ Ask AskComponent(const STTrack& track, unsigned int index) {
   return [&track, index](_LocalTag tag) { return track.ValueForTag(tag, index); };
 }
 
+std::string TrackText(const STTrack& track) {
+  // Of an essence track, the last four bytes of its elements' keys (ST 379).
+  const unsigned int number = track.TrackNumber();
+  const unsigned char bytes[] = {static_cast<unsigned char>(number >> 24), static_cast<unsigned char>(number >> 16),
+                                 static_cast<unsigned char>(number >> 8), static_cast<unsigned char>(number)};
+  return ", number " + std::to_string(number) + (number != 0 ? " (" + HexText(bytes, 4) + ")" : "") + ", edit rate " +
+         RationalText(track.EditRate()) + ", origin " + std::to_string(track.Origin()) + ", duration " +
+         std::to_string(track.Duration());
+}
+
 // The tracks of a material package have the descriptor of what their source clip points at, those of a source package
 // the one that the package links to them.
 void PrintTrack(std::ostream& out, const STTrack& track, const OxSharedPtr<STMetadataSets>& ownDescriptor) {
-  const Kind kind = KindOf(track);
-  PrintRow(out, 1, "Track " + std::to_string(track.TrackID()), KindText(track));
-  PrintRow(out, 2, "number", std::to_string(track.TrackNumber()));
-  PrintRow(out, 2, "edit rate", RationalText(track.EditRate()));
-  PrintRow(out, 2, "origin", std::to_string(track.Origin()));
-  PrintRow(out, 2, "duration", std::to_string(track.Duration()));
+  const KindRow* const row = KindOf(track);
+  const Kind kind = row != nullptr ? row->kind : Kind::Data;
+  PrintRow(out, 1, "Track " + std::to_string(track.TrackID()),
+           (row != nullptr ? row->name : ValueText(track.DataDefinition())) + TrackText(track));
   const unsigned int shown = std::min(track.ComponentCount(), kMostComponents);
   for (unsigned int i = 0; i < shown; ++i) {
     const Ask ask = AskComponent(track, i);
@@ -184,7 +173,8 @@ void PrintTrack(std::ostream& out, const STTrack& track, const OxSharedPtr<STMet
   if (track.ComponentCount() > shown) {
     PrintRow(out, 2, "more components", std::to_string(track.ComponentCount() - shown));
   }
-  if (ownDescriptor) PrintDescriptor(out, 2, kind, [&](_LocalTag tag) { return ownDescriptor->ValueForTag(tag); });
+  if (kind != Kind::Timecode && ownDescriptor)
+    PrintDescriptor(out, 2, kind, [&](_LocalTag tag) { return ownDescriptor->ValueForTag(tag); });
 }
 
 // --- Packages ---

@@ -1,11 +1,9 @@
-#include "clipinfo/Partitions.h"
+#include "clipinfo/Summary.h"
 
 #include <algorithm>
 #include <iomanip>
 #include <set>
 #include <vector>
-
-#include "clipinfo/Text.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include <iomanip>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "clipinfo/Text.h"
 
@@ -38,13 +39,11 @@ std::string FlagLetters(unsigned char flags) {
   return letters;
 }
 
-std::string HexFlags(unsigned char flags) {
-  return "0x" + HexText(&flags, 1);
-}
+std::string HexFlags(unsigned char flags) { return "0x" + HexText(&flags, 1); }
 
-std::string SizeText(const Element& element) {
-  return element.isRead ? std::to_string(element.size) : "";
-}
+std::string OffsetText(const Element& element) { return element.isFound ? std::to_string(element.offset) : ""; }
+
+std::string SizeText(const Element& element) { return element.isRead ? std::to_string(element.size) : ""; }
 
 class TextWriter : public RowWriter {
  public:
@@ -64,8 +63,8 @@ class TextWriter : public RowWriter {
     m_out << std::setw(10) << row.editUnit << "  " << HexFlags(row.flags) << ' ' << FlagLetters(row.flags)
           << std::setw(5) << +row.keyFrameOffset << std::setw(10) << +row.temporalOffset;
     for (const Element& element : row.elements) {
-      m_out << "  " << std::left << std::setw(10) << KindText(element) << std::right << std::setw(13) << element.offset
-            << std::setw(10) << SizeText(element);
+      m_out << "  " << std::left << std::setw(10) << KindText(element) << std::right << std::setw(13)
+            << OffsetText(element) << std::setw(10) << SizeText(element);
     }
     m_out << '\n';
   }
@@ -90,7 +89,7 @@ class CSVWriter : public RowWriter {
     for (const Flag& flag : kFlags) m_out << ',' << ((row.flags & flag.bit) != 0 ? 1 : 0);
     m_out << ',' << +row.keyFrameOffset << ',' << +row.temporalOffset;
     for (const Element& element : row.elements) {
-      m_out << ',' << KindText(element) << ',' << element.offset << ',' << SizeText(element);
+      m_out << ',' << KindText(element) << ',' << OffsetText(element) << ',' << SizeText(element);
     }
     m_out << '\n';
   }
@@ -109,8 +108,10 @@ class JSONWriter : public RowWriter {
     json["temporal_offset"] = row.temporalOffset;
     nlohmann::ordered_json& elements = json["elements"] = nlohmann::ordered_json::array();
     for (const Element& element : row.elements) {
-      const nlohmann::ordered_json size = element.isRead ? nlohmann::ordered_json(element.size) : nullptr;
-      elements.push_back({{"kind", KindText(element)}, {"offset", element.offset}, {"size", size}});
+      nlohmann::ordered_json item = {{"kind", KindText(element)}, {"offset", nullptr}, {"size", nullptr}};
+      if (element.isFound) item["offset"] = element.offset;
+      if (element.isRead) item["size"] = element.size;
+      elements.push_back(std::move(item));
     }
     m_out << (m_isFirst ? "\n" : ",\n") << json.dump();
     m_isFirst = false;

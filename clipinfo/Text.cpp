@@ -4,9 +4,7 @@
 #include <iomanip>
 #include <sstream>
 
-#include "clipinfo/LabelNames.h"
 #include "foundation/MDValue.h"
-#include "foundation/MxfUUID.h"
 #include "foundation/OxStringMac.h"
 
 namespace {
@@ -31,9 +29,7 @@ bool isHarmful(unsigned long code) {
          (code >= 0x2066 && code <= 0x2069);
 }
 
-unsigned char ByteAt(std::string_view text, std::size_t place) {
-  return static_cast<unsigned char>(text[place]);
-}
+unsigned char ByteAt(std::string_view text, std::size_t place) { return static_cast<unsigned char>(text[place]); }
 
 // How many bytes the printable character at the beginning of `text` has; 0 when there is none.
 std::size_t PrintableSize(std::string_view text) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/MxfUUID.h"
 #include "foundation/OxObject.h"
 #include "foundation/OxSharedPtr.h"
 #include "foundation/ParseMetaData.h"
@@ -17,6 +18,9 @@ constexpr const char* kUnreadable = "unreadable";
 // Text of a file or a command line, safe for a terminal: control and direction characters and bytes that are no UTF-8
 // appear as \xNN, byte by byte.
 [[nodiscard]] std::string Escaped(std::string_view text);
+
+// The name of a label of the catalogue, FBC_UL_ left out; null for any other. Of two names of one label, the first.
+[[nodiscard]] const char* LabelName(const MxfUUID& label);
 
 // A metadata value; kNotPresent when empty. Labels of the catalogue by name, others as dotted hexadecimal.
 [[nodiscard]] std::string ValueText(const OxSharedPtr<OxObject>& value);

@@ -7,9 +7,7 @@
 #include <vector>
 
 #include "clipinfo/Clip.h"
-#include "clipinfo/ExtractCommand.h"
-#include "clipinfo/FramesCommand.h"
-#include "clipinfo/InfoCommand.h"
+#include "clipinfo/Commands.h"
 #include "clipinfo/Text.h"
 
 namespace {
@@ -115,7 +113,8 @@ std::vector<std::string> ReversedArguments(const CLI::App& app, int argc, char**
 
 int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is an error like any other
+  // A closed pipe or a file that grows too large is an error like any other.
+  for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
   Arguments arguments;
   CLI::App app("Looks into MXF clips: what the header says, where each frame lies, the essence itself.", "clipinfo");
   app.set_version_flag("--version", "clipinfo " CLIPINFO_VERSION);

@@ -1,6 +1,7 @@
 #ifndef CLIPPARSER_FOUNDATION_OXSHAREDPTR_H
 #define CLIPPARSER_FOUNDATION_OXSHAREDPTR_H
 
+#include <cstddef>
 #include <utility>
 
 #include "foundation/Export.h"
@@ -33,14 +34,10 @@ class CLIPPARSER_EXPORT OxSharedPtr {
     return *this;
   }
 
-  // Lets the pointee go; the pointer is empty afterwards. What the pointee's destructor throws is discarded.
+  // Lets the pointee go; the pointer is empty afterwards.
   void Reset() noexcept {
     T* pointee = std::exchange(m_pointee, nullptr);
-    if (pointee == nullptr || AsObject(pointee)->Release() >= 1) return;
-    try {
-      delete pointee;
-    } catch (...) {  // an owner can do nothing about it, and may itself be in a destructor
-    }
+    if (pointee != nullptr && AsObject(pointee)->Release() < 1) delete pointee;
   }
 
   // Up-, down- and cross-casts by run-time type: empty when the pointee is not a U.
@@ -63,5 +60,31 @@ class CLIPPARSER_EXPORT OxSharedPtr {
 
   T* m_pointee = nullptr;
 };
+
+// Two pointers are equal when they point to the same object.
+template <class T, class U>
+bool operator==(const OxSharedPtr<T>& a, const OxSharedPtr<U>& b) noexcept {
+  return a.get() == b.get();
+}
+template <class T, class U>
+bool operator!=(const OxSharedPtr<T>& a, const OxSharedPtr<U>& b) noexcept {
+  return a.get() != b.get();
+}
+template <class T>
+bool operator==(const OxSharedPtr<T>& a, std::nullptr_t) noexcept {
+  return a.get() == nullptr;
+}
+template <class T>
+bool operator!=(const OxSharedPtr<T>& a, std::nullptr_t) noexcept {
+  return a.get() != nullptr;
+}
+template <class T>
+bool operator==(std::nullptr_t, const OxSharedPtr<T>& a) noexcept {
+  return a.get() == nullptr;
+}
+template <class T>
+bool operator!=(std::nullptr_t, const OxSharedPtr<T>& a) noexcept {
+  return a.get() != nullptr;
+}
 
 #endif  // CLIPPARSER_FOUNDATION_OXSHAREDPTR_H

@@ -11,7 +11,7 @@ long long WrappingSum(long long a, long long b) {
 
 }  // namespace
 
-OxStream::OxStream() : m_lock(new OxRecursiveLock) {}
+OxStream::OxStream() = default;
 
 OxStream::~OxStream() = default;
 

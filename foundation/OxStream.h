@@ -3,7 +3,6 @@
 
 #include "foundation/Export.h"
 #include "foundation/OxObject.h"
-#include "foundation/OxRecursiveLock.h"
 #include "foundation/OxSharedPtr.h"
 
 // Where an offset counts from. A plain number, because hosts pass it as one.
@@ -24,7 +23,7 @@ struct CFData;  // a platform's data object; the library only passes pointers to
 //
 // A derived class sets the length once, with SetLength, before anything is read; it overrides Read, and CanRead and
 // CanSeek when they are true.
-// Threads: the derived class says. `m_lock` is there for it; every stream has one of its own.
+// Threads: the derived class says.
 class CLIPPARSER_EXPORT OxStream : public OxObject {
  public:
   ~OxStream() override;
@@ -63,7 +62,6 @@ class CLIPPARSER_EXPORT OxStream : public OxObject {
 
   void SetLength(unsigned long long length) { m_length = length; }
 
-  OxSharedPtr<OxRecursiveLock> m_lock;
   long long m_position = 0;
 
  private:

@@ -2,6 +2,7 @@
 #define CLIPPARSER_FOUNDATION_OXSTRINGMAC_H
 
 #include <string>
+#include <utility>
 
 #include "foundation/Export.h"
 #include "foundation/OxObject.h"

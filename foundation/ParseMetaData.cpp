@@ -1,5 +1,6 @@
 #include "foundation/ParseMetaData.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 #include <vector>
@@ -193,7 +194,8 @@ OxSharedPtr<OxMutableArray> ParseMetaData::GetUUIDArray(unsigned long long mostI
   }
   OxSharedPtr<OxMutableArray> array(new OxMutableArray);
   if (itemSize != MxfUUID::kSize) return array;
-  for (unsigned int i = 0; i < count && i < mostItems; ++i) {
+  const unsigned long long wanted = count > kSuspiciousCount ? std::min<unsigned long long>(count, mostItems) : count;
+  for (unsigned long long i = 0; i < wanted; ++i) {
     const OxSharedPtr<MxfUUID> item = GetUUID();
     if (!item) break;  // the position no longer moves: no later item can be read either
     array->AddObject(item);

@@ -42,7 +42,8 @@ enum class PacketHead {
 // MXF's big-endian fields (SMPTE ST 377-1, ST 336).
 //
 // Each read either succeeds whole and moves the position by what it consumed, or fails and leaves the position where
-// it was; where an operation departs from that, it says so. Reads never throw. Without a stream every read fails.
+// it was; where an operation departs from that, it says so. Without a stream every read fails. Nothing throws, except
+// std::bad_alloc where not even a small object can be made.
 //
 // Threads: not synchronised. Callers that share a reader hold it as a lock, which it is, around each sequence of reads.
 class CLIPPARSER_EXPORT ParseMetaData : public OxRecursiveLock {
@@ -78,7 +79,7 @@ class CLIPPARSER_EXPORT ParseMetaData : public OxRecursiveLock {
   [[nodiscard]] bool GetInt64(long long* value);
   // 16 bytes in file order; `value` is not changed by a failed read.
   [[nodiscard]] bool GetUUID(MxfUUID* value);
-  // `count` bytes as stored; the buffer must hold as many.
+  // `count` bytes as stored; the buffer must hold as many, and may hold some of them after a failure.
   [[nodiscard]] bool GetBytes(unsigned char* buffer, unsigned int count);
 
   // A BER length (ST 336): one byte below 0x80, or 0x81 to 0x84 and as many length bytes. The indefinite form (0x80)
@@ -97,9 +98,11 @@ class CLIPPARSER_EXPORT ParseMetaData : public OxRecursiveLock {
   // second half of the result repeats the first: the source package signature of the file is not read.
   [[nodiscard]] OxSharedPtr<UMID> GetUMID();
   // A batch or array of 16-byte items: item count (4), item size (4), items. An array of what could be read; an empty
-  // array, with only the 8 header bytes consumed, when the count is 0 or the item size is not 16. No more than
-  // `mostItems` are read, whatever the count says.
+  // array, with only the 8 header bytes consumed, when the count is 0 or the item size is not 16. A suspicious count is
+  // held to `mostItems`.
   [[nodiscard]] OxSharedPtr<OxMutableArray> GetUUIDArray(unsigned long long mostItems = ~0ULL);
+  // A batch of more items than any camera writes is suspicious: its count may be a mistake.
+  static constexpr unsigned int kSuspiciousCount = 65536;
   // `count` single bytes.
   [[nodiscard]] OxSharedPtr<OxVector<unsigned char>> GetEnum(unsigned long long count);
   // `byteCount` bytes of two-byte characters, big-endian, a trailing zero character included. Empty when the count is

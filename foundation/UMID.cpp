@@ -48,9 +48,3 @@ OxSharedPtr<OxStringMac> UMID::Description() {
   for (unsigned int i = 0; i < m_length; ++i) text += FormatText(i == 0 ? "%02X" : ".%02X", m_data[i]);
   return CreateOxString(text);
 }
-
-bool operator<(const UMID& a, const UMID& b) {
-  if (a.m_length != b.m_length) return a.m_length < b.m_length;
-  return std::lexicographical_compare(a.m_data.begin(), a.m_data.begin() + a.m_length, b.m_data.begin(),
-                                      b.m_data.begin() + b.m_length);
-}

@@ -1,6 +1,7 @@
 #ifndef CLIPPARSER_FOUNDATION_UMID_H
 #define CLIPPARSER_FOUNDATION_UMID_H
 
+#include <algorithm>
 #include <array>
 
 #include "foundation/Export.h"
@@ -41,7 +42,11 @@ class CLIPPARSER_EXPORT UMID : public OxObject {
   [[nodiscard]] unsigned int Length() const { return m_length; }
 
   // Orders by length, then bytes; equal exactly when isEqualToUMID says so.
-  friend bool operator<(const UMID& a, const UMID& b);
+  friend bool operator<(const UMID& a, const UMID& b) {
+    if (a.m_length != b.m_length) return a.m_length < b.m_length;
+    return std::lexicographical_compare(a.m_data.begin(), a.m_data.begin() + a.m_length, b.m_data.begin(),
+                                        b.m_data.begin() + b.m_length);
+  }
 
  private:
   std::array<unsigned char, kExtendedSize> m_data{};

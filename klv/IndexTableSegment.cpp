@@ -74,6 +74,7 @@ void IndexTableSegment::init() {
 bool IndexTableSegment::isImportable() { return PacketType() == kKeyIndexTableSegment; }
 
 unsigned int IndexTableSegment::Import(OxSharedPtr<OxStream> stream, long long offset) {
+  init();
   const OxSharedPtr<LocalSets> localSets(new LocalSets);
   const ULKey setKey = key();
   localSets->SetKey(&setKey);

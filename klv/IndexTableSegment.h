@@ -1,6 +1,7 @@
 #ifndef CLIPPARSER_KLV_INDEXTABLESEGMENT_H
 #define CLIPPARSER_KLV_INDEXTABLESEGMENT_H
 
+#include <string>
 #include <vector>
 
 #include "foundation/OxMemoryStream.h"

@@ -1,5 +1,6 @@
 #include "klv/KLVPacket.h"
 
+#include <new>
 #include <utility>
 
 KLVPacket::KLVPacket() = default;
@@ -65,7 +66,11 @@ bool ParseMetaData::ParsePacketValue(KLVPacket* packet) {
   const unsigned long long start = m_position;
   const unsigned long long length = packet->Length();
   if (start > m_stream->Length() || length > RestLength()) return false;
-  if (!isLowHalfOK(packet->Import(m_stream, static_cast<long long>(start)))) return false;
+  try {
+    if (!isLowHalfOK(packet->Import(m_stream, static_cast<long long>(start)))) return false;
+  } catch (const std::bad_alloc&) {  // a value that asks for more memory than there is cannot be decoded
+    return false;
+  }
   m_position = start + length;
   return true;
 }

@@ -50,7 +50,13 @@ class CLIPPARSER_EXPORT KLVPacket : public virtual OxObject {
   // kStatusOK.
   virtual unsigned int Import(OxSharedPtr<OxStream> stream, long long offset);
 
+ protected:
+  // Whether offsets and length are those of a packet in a stream, rather than never set.
+  [[nodiscard]] bool isPlaced() const { return m_valueOffset >= kSmallestHead; }
+
  private:
+  static constexpr unsigned long long kSmallestHead = 16 + 1;
+
   ULKey m_key;
   unsigned long long m_offset = 0;
   unsigned long long m_length = 0;

@@ -1,6 +1,7 @@
 #include "klv/LocalSets.h"
 
 #include <algorithm>
+#include <new>
 #include <string>
 
 #include "foundation/FormatText.h"
@@ -9,6 +10,10 @@
 namespace {
 
 constexpr unsigned int kCodingByte = 5;  // of the key
+
+// No camera writes a set as large as this: a length that is a mistake. Such a value is walked where it lies before it
+// is copied.
+constexpr unsigned long long kSuspiciousSize = 1 << 20;
 
 constexpr unsigned int kTagOIDBER = 1;
 constexpr unsigned int kTagOneByte = 2;
@@ -50,6 +55,8 @@ unsigned int LocalSets::Import(OxSharedPtr<OxStream> stream, long long offset) {
   if (!stream) return kStatusNoInput;
   Empty();
   _OxRange range = {static_cast<unsigned long long>(offset), Length()};
+  const bool isInside = range.location <= stream->Length() && range.length <= stream->Length() - range.location;
+  if (isInside && range.length > kSuspiciousSize && !isWellFormed(stream, offset)) return kStatusUnreadable;
   m_value = OxMemoryStream::CreateMemoryStreamPtr(stream, range);
   if (!m_value) return kStatusNoCopy;
   m_reader->SetStream(m_value);
@@ -68,8 +75,8 @@ unsigned int LocalSets::Parse() {
   m_items.clear();
   m_tagType = TagType();
   m_lengthType = LengthType();
-  if (m_value && m_value->Length() > 0 && m_reader->SetOffset(0, kOxStreamSeekFromStart) && ReadItems() &&
-      SortItems()) {
+  if (m_value && m_value->Length() > 0 && m_reader->SetOffset(0, kOxStreamSeekFromStart) &&
+      ReadItems(*m_reader, m_value->Length())) {
     return kStatusOK;
   }
   m_items.clear();
@@ -77,15 +84,34 @@ unsigned int LocalSets::Parse() {
   return kStatusUnreadable;
 }
 
-bool LocalSets::ReadItems() {
-  while (m_reader->RestLength() > 0) {
+bool LocalSets::isWellFormed(const OxSharedPtr<OxStream>& stream, long long offset) {
+  m_tagType = TagType();
+  m_lengthType = LengthType();
+  ParseMetaData reader(stream);
+  const bool isWalked = reader.SetOffset(offset, kOxStreamSeekFromStart) && ReadItems(reader, Length());
+  m_items.clear();
+  return isWalked;
+}
+
+// Walks the items of the `size` bytes from the reader's position on.
+bool LocalSets::ReadItems(ParseMetaData& reader, unsigned long long size) {
+  constexpr std::size_t kFirstCheck = 64;
+  const long long start = reader.offset();
+  const long long end = start + static_cast<long long>(size);
+  std::size_t nextCheck = kFirstCheck;
+  while (reader.offset() < end) {
     Item item{};
-    if (!ReadTag(&item.tag) || !ReadLength(&item.data.length)) return false;
-    item.data.offset = static_cast<unsigned int>(m_reader->offset());
+    if (!ReadTag(reader, &item.tag) || !ReadLength(reader, &item.data.length)) return false;
+    if (item.data.length > end - reader.offset()) return false;
+    item.data.offset = static_cast<unsigned int>(reader.offset() - start);
     m_items.push_back(item);
-    if (!m_reader->SetOffset(item.data.length, kOxStreamSeekFromCurrent)) return false;
+    if (!reader.SetOffset(item.data.length, kOxStreamSeekFromCurrent)) return false;
+    // Now and then, so that a long run of one tag ends early.
+    if (m_items.size() < nextCheck) continue;
+    if (!SortItems()) return false;
+    nextCheck *= 2;
   }
-  return true;
+  return SortItems();
 }
 
 // False when a tag occurs twice: such a set is refused whole rather than read by its first or last occurrence.
@@ -108,32 +134,40 @@ unsigned int LocalSets::LengthType() const {
 bool LocalSets::ReadTag(unsigned int* tag) {
   if (tag == nullptr || !m_value) return false;
   *tag = 0;
-  switch (m_tagType) {
-    case kTagOIDBER:
-      return m_reader->GetOIDBER(tag);
-    case kTagOneByte:
-      return GetAs32(*m_reader, &ParseMetaData::GetUInt8, tag);
-    case kTagTwoBytes:
-      return GetAs32(*m_reader, &ParseMetaData::GetUInt16, tag);
-    case kTagFourBytes:
-      return m_reader->GetUInt32(tag);
-    default:
-      return false;
-  }
+  return ReadTag(*m_reader, tag);
 }
 
 bool LocalSets::ReadLength(unsigned int* length) {
   if (length == nullptr || !m_value) return false;
   *length = 0;
+  return ReadLength(*m_reader, length);
+}
+
+bool LocalSets::ReadTag(ParseMetaData& reader, unsigned int* tag) const {
+  switch (m_tagType) {
+    case kTagOIDBER:
+      return reader.GetOIDBER(tag);
+    case kTagOneByte:
+      return GetAs32(reader, &ParseMetaData::GetUInt8, tag);
+    case kTagTwoBytes:
+      return GetAs32(reader, &ParseMetaData::GetUInt16, tag);
+    case kTagFourBytes:
+      return reader.GetUInt32(tag);
+    default:
+      return false;
+  }
+}
+
+bool LocalSets::ReadLength(ParseMetaData& reader, unsigned int* length) const {
   switch (m_lengthType) {
     case kLengthBER:
-      return m_reader->GetBER(length);
+      return reader.GetBER(length);
     case kLengthOneByte:
-      return GetAs32(*m_reader, &ParseMetaData::GetUInt8, length);
+      return GetAs32(reader, &ParseMetaData::GetUInt8, length);
     case kLengthTwoBytes:
-      return GetAs32(*m_reader, &ParseMetaData::GetUInt16, length);
+      return GetAs32(reader, &ParseMetaData::GetUInt16, length);
     case kLengthFourBytes:
-      return m_reader->GetUInt32(length);
+      return reader.GetUInt32(length);
     default:
       return false;
   }

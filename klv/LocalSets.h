@@ -38,7 +38,7 @@ class CLIPPARSER_EXPORT LocalSets : public KLVPacket, public OxLockAbstract {
   // Any local set.
   bool isImportable() override;
   using KLVPacket::Import;
-  // Replaces what was there. After a failure the set is empty.
+  // Replaces what was there. After a failure the set is empty, unless no stream was given.
   //   kStatusOK          every item is in the map
   //   kStatusNoInput     no stream given; nothing changed
   //   kStatusNoCopy      the value does not lie wholly in the stream, or memory is short
@@ -85,8 +85,11 @@ class CLIPPARSER_EXPORT LocalSets : public KLVPacket, public OxLockAbstract {
     LocalSetTagData data;
   };
 
-  bool ReadItems();
+  bool ReadItems(ParseMetaData& reader, unsigned long long size);
   bool SortItems();
+  [[nodiscard]] bool isWellFormed(const OxSharedPtr<OxStream>& stream, long long offset);
+  bool ReadTag(ParseMetaData& reader, unsigned int* tag) const;
+  bool ReadLength(ParseMetaData& reader, unsigned int* length) const;
   void Empty();
 
   OxSharedPtr<OxMemoryStream> m_value;

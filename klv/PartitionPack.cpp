@@ -6,16 +6,6 @@ namespace {
 
 constexpr unsigned long long kLabelsOffset = 80 + 8;  // from the value's start to the first essence container label
 
-// How many labels to read at most. A count that no camera writes is held to the packet's own value, when the packet
-// was read from a file: otherwise a damaged count would turn gigabytes of essence into labels.
-unsigned long long MostLabels(const KLVPacket& packet) {
-  constexpr unsigned long long kUnsuspicious = 65536;
-  constexpr unsigned long long kSmallestHead = 16 + 1;
-  if (packet.ValueOffset() < kSmallestHead) return ~0ULL;
-  const unsigned long long rest = packet.Length() - std::min(packet.Length(), kLabelsOffset);
-  return std::max(kUnsuspicious, rest / MxfUUID::kSize);
-}
-
 }  // namespace
 
 PartitionPack::PartitionPack() = default;
@@ -68,6 +58,12 @@ bool PartitionPack::ReadNumbers(ParseMetaData& reader) {
 bool PartitionPack::ReadLabels(ParseMetaData& reader) {
   m_operationalPattern = reader.GetUUID();
   if (!m_operationalPattern) return false;
-  m_essenceContainers = reader.GetUUIDArray(MostLabels(*this));
+  m_essenceContainers = reader.GetUUIDArray(MostLabels());
   return static_cast<bool>(m_essenceContainers);
+}
+
+// How many labels the packet's own value has room for: a damaged count would turn gigabytes of essence into labels.
+unsigned long long PartitionPack::MostLabels() const {
+  if (!isPlaced()) return ~0ULL;
+  return (Length() - std::min(Length(), kLabelsOffset)) / MxfUUID::kSize;
 }

@@ -38,7 +38,7 @@ class CLIPPARSER_EXPORT PartitionPack : public KLVPacket {
   [[nodiscard]] unsigned int IndexSID() const { return m_indexSID; }
   [[nodiscard]] unsigned long long BodyOffset() const { return m_bodyOffset; }
   [[nodiscard]] unsigned int BodySID() const { return m_bodySID; }
-  // Empty before an import.
+  // Empty before an import, and after one that was cut before it.
   [[nodiscard]] OxSharedPtr<MxfUUID> OperationalPattern() const { return m_operationalPattern; }
   [[nodiscard]] unsigned int EssenceCount() const;
   // Empty when `index` is not below the count.
@@ -64,6 +64,7 @@ class CLIPPARSER_EXPORT PartitionPack : public KLVPacket {
  private:
   bool ReadNumbers(ParseMetaData& reader);
   bool ReadLabels(ParseMetaData& reader);
+  [[nodiscard]] unsigned long long MostLabels() const;
 
   unsigned short m_majorVersion = 0;
   unsigned short m_minorVersion = 0;

@@ -54,12 +54,9 @@ unsigned int PrimerPack::Import(OxSharedPtr<OxStream> stream, long long offset) 
 // Whether the items cannot all be there: the stream ends before, or a count that no camera writes runs over the
 // packet's own value into whatever follows.
 bool PrimerPack::isOverrun(const ParseMetaData& reader, unsigned int count) const {
-  constexpr unsigned int kUnsuspicious = 65536;
-  constexpr unsigned long long kSmallestHead = 16 + 1;
   const unsigned long long size = static_cast<unsigned long long>(count) * kItemSize;
   if (size > reader.RestLength()) return true;
-  const bool isFromFile = ValueOffset() >= kSmallestHead;
-  return isFromFile && count > kUnsuspicious && kHeaderSize + size > Length();
+  return isPlaced() && count > ParseMetaData::kSuspiciousCount && kHeaderSize + size > Length();
 }
 
 bool PrimerPack::ReadItems(ParseMetaData& reader, unsigned int count) {

@@ -18,7 +18,8 @@ class CLIPPARSER_EXPORT StreamFileSequenceInfo : public KLVPacket {
 
   void init();  // does nothing
 
-  // Empty when the packet does not hold the item. The numbers are signed 64-bit: edit units.
+  // Empty when the packet does not hold the item. The numbers are signed 64-bit: a count of
+  // frames and a position in edit units.
   [[nodiscard]] OxSharedPtr<MxfUUID> InstanceUID() const { return m_instanceUID; }
   [[nodiscard]] OxSharedPtr<UMID> PackageUID() const { return m_packageUID; }
   [[nodiscard]] OxSharedPtr<OxNumber> StartTimecode() const { return m_startTimecode; }

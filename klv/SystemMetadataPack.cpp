@@ -53,7 +53,10 @@ bool SystemMetadataPack::ReadHead(ParseMetaData& reader) {
 
 bool SystemMetadataPack::ReadDate(ParseMetaData& reader, unsigned int& type, Date& date) {
   unsigned char stored = 0;
-  const bool isRead = reader.GetUInt8(&stored);
+  const bool isTypeRead = reader.GetUInt8(&stored);
   type = stored == 0x81 || stored == 0x82 ? stored : 0;
-  return isRead && reader.GetBytes(date.data(), kDateSize);
+  Date bytes{};
+  if (!isTypeRead || !reader.GetBytes(bytes.data(), kDateSize)) return false;
+  date = bytes;
+  return true;
 }

@@ -42,8 +42,8 @@ class CLIPPARSER_EXPORT SystemMetadataPack : public KLVPacket {
   [[nodiscard]] unsigned int UserDataType() const { return m_userDateType; }
   // The 16 bytes of the date: as a pointer that is valid as long as the pack, or copied to `date`, which must have
   // room for 16 bytes (false, and nothing copied, when it is null).
-  [[nodiscard]] const unsigned char* CreationDate() const { return m_creationDate.data(); }
-  [[nodiscard]] const unsigned char* UserDate() const { return m_userDate.data(); }
+  [[nodiscard]] unsigned char* CreationDate() { return m_creationDate.data(); }
+  [[nodiscard]] unsigned char* UserDate() { return m_userDate.data(); }
   bool CreationDate(unsigned char* date) const;
   bool UserDate(unsigned char* date) const;
 
@@ -52,7 +52,7 @@ class CLIPPARSER_EXPORT SystemMetadataPack : public KLVPacket {
   //   kStatusOK          all fields hold the file's values
   //   kStatusNoInput     no stream given; nothing changed
   //   kStatusUnreadable  the offset cannot be reached or the stream ends before the value does; fields read before
-  //                      that keep their new values, the field that was cut is 0 or empty
+  //                      that keep their new values, a number that was cut is 0, a label empty, a date as it was
   unsigned int Import(OxSharedPtr<OxStream> stream, long long offset) override;
 
  private:

@@ -67,39 +67,33 @@ class HeaderMetadata::DescriptorResolver {
   }
 
   OxSharedPtr<STMetadataSets> Descriptor(const OxSharedPtr<UMID>& umid, unsigned int trackID) {
-    const OxSharedPtr<STMetadataSets> package = Package(umid);
-    if (!package) return {};
-    const ByTrack& descriptors = DescriptorsOf(package);
-    const auto descriptor = descriptors.find(trackID);
-    return descriptor != descriptors.end() ? descriptor->second : OxSharedPtr<STMetadataSets>();
+    const auto descriptor = m_metadata.MetadataForKey(ValueAs<MxfUUID>(Package(umid), kDescriptorTag));
+    if (!descriptor) return {};
+    if (descriptor->PacketType() != kKeyMultipleDescriptor) {
+      return isMatchDescriptor(descriptor, trackID) ? descriptor : OxSharedPtr<STMetadataSets>();
+    }
+    const ByTrack& subDescriptors = SubDescriptorsOf(descriptor);
+    const auto sub = subDescriptors.find(trackID);
+    return sub != subDescriptors.end() ? sub->second : OxSharedPtr<STMetadataSets>();
   }
 
  private:
   using ByTrack = std::map<unsigned int, OxSharedPtr<STMetadataSets>>;
 
-  // The descriptors of a package by the track that they are linked to; of several for one track, the first.
-  const ByTrack& DescriptorsOf(const OxSharedPtr<STMetadataSets>& package) {
-    const auto [entry, isNew] = m_descriptors.try_emplace(package.get());
+  // The sub-descriptors of a multiple descriptor by the track that they are linked to; of several for one track, the
+  // first. Made once for each multiple descriptor, however many packages share it.
+  const ByTrack& SubDescriptorsOf(const OxSharedPtr<STMetadataSets>& multiple) {
+    const auto [entry, isNew] = m_subDescriptors.try_emplace(multiple.get());
     if (!isNew) return entry->second;
-    const auto descriptor = m_metadata.MetadataForKey(ValueAs<MxfUUID>(package, kDescriptorTag));
-    if (!descriptor) return entry->second;
-    if (descriptor->PacketType() != kKeyMultipleDescriptor) {
-      AddLinked(entry->second, descriptor);
-    } else {
-      for (const auto& sub : m_metadata.SetsOf(ValueAs<OxArray>(descriptor, kFileDescriptorsTag))) {
-        AddLinked(entry->second, sub);
-      }
+    for (const auto& sub : m_metadata.SetsOf(ValueAs<OxArray>(multiple, kFileDescriptorsTag))) {
+      if (const auto trackID = LinkedTrackID(sub)) entry->second.emplace(*trackID, sub);
     }
     return entry->second;
   }
 
-  static void AddLinked(ByTrack& descriptors, const OxSharedPtr<STMetadataSets>& descriptor) {
-    if (const auto trackID = LinkedTrackID(descriptor)) descriptors.emplace(*trackID, descriptor);
-  }
-
   const HeaderMetadata& m_metadata;
   std::map<UMID, OxSharedPtr<STMetadataSets>> m_packages;
-  std::map<STMetadataSets*, ByTrack> m_descriptors;
+  std::map<STMetadataSets*, ByTrack> m_subDescriptors;
 };
 
 HeaderMetadata::HeaderMetadata()
@@ -232,7 +226,12 @@ OxSharedPtr<STTrack> HeaderMetadata::CreateTrack(OxSharedPtr<MxfUUID> trackUID) 
 }
 
 OxSharedPtr<STMetadataSets> HeaderMetadata::SourcePackageForUMID(OxSharedPtr<UMID> umid) const {
-  return DescriptorResolver(*this).Package(umid);
+  const unsigned long count = umid ? m_sourcePackages->Count() : 0;
+  for (unsigned long i = 0; i < count; ++i) {
+    const OxSharedPtr<STMetadataSets> package = m_sourcePackages->ObjectAtIndex(i);
+    if (umid->isEqualToUMID(ValueAs<UMID>(package, kPackageUIDTag))) return package;
+  }
+  return {};
 }
 
 OxSharedPtr<STMetadataSets> HeaderMetadata::GetDescriptor(OxSharedPtr<STMetadataSets> component) const {

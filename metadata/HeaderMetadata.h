@@ -2,6 +2,7 @@
 #define CLIPPARSER_METADATA_HEADERMETADATA_H
 
 #include <map>
+#include <vector>
 
 #include "foundation/MxfUUID.h"
 #include "foundation/OxMutableArray.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 #include "foundation/OxAutoLock.h"
 #include "foundation/UUIDDefine.h"

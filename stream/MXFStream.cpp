@@ -1,5 +1,7 @@
 #include "stream/MXFStream.h"
 
+#include <algorithm>
+#include <array>
 #include <new>
 #include <set>
 #include <utility>
@@ -65,16 +67,19 @@ MXFStream::~MXFStream() = default;
 
 unsigned int MXFStream::Parse() {
   static_cast<void>(ReadRandomIndexPack());  // a file need not have one
-  if (m_randomIndexPack) {
-    const unsigned int status = m_bodyPartitions->SetFromRandomIndexPack(m_randomIndexPack);
-    if (!isLowHalfOK(status)) return status;
-  }
+  const bool isListed = TakeListedPartitions();
   unsigned int status = ReadHeaderPartitionPack();
   if (!isLowHalfOK(status)) return status;
   // What the walk finds before it fails is better than nothing.
-  if (!m_randomIndexPack) static_cast<void>(ConstructBodyPartitionArrayFromStream());
+  if (!isListed) static_cast<void>(ConstructBodyPartitionArrayFromStream());
   status = ParseHeaderPartition();
   return isLowHalfOK(status) ? AnalysisDuration() : status;
+}
+
+// Lists the body partitions that the random index pack names; false without one.
+bool MXFStream::TakeListedPartitions() {
+  const OxAutoLock guard(m_reader.get());
+  return m_randomIndexPack && isLowHalfOK(m_bodyPartitions->SetFromRandomIndexPack(m_randomIndexPack));
 }
 
 unsigned int MXFStream::ReadRandomIndexPack() {
@@ -136,8 +141,8 @@ unsigned int MXFStream::ConstructBodyPartitionArrayFromStream() {
 }
 
 unsigned int MXFStream::ParseHeaderPartition() {
-  if (!m_headerPartitionPack || m_headerPartitionPack->HeaderByteCount() == 0) return kStatusUnreadable;
   const OxAutoLock guard(m_reader.get());
+  if (!m_headerPartitionPack || m_headerPartitionPack->HeaderByteCount() == 0) return kStatusUnreadable;
   // The metadata begins one KAG after the partition, however long the pack and its fill really are.
   const unsigned long long start =
       SaturatingSum(m_headerPartitionPack->ThisPartition(), m_headerPartitionPack->KAGSize());
@@ -187,6 +192,7 @@ bool MXFStream::ParsePrimer(const OxSharedPtr<KLVPacket>& packet) {
 }
 
 unsigned int MXFStream::AnalysisDuration() {
+  const OxAutoLock guard(m_reader.get());
   m_duration = 0;
   const OxSharedPtr<STTrack> track = m_headerMetadata->TrackForIndex(0, 0);
   if (!track) return kStatusUnreadable;
@@ -226,8 +232,12 @@ unsigned int MXFStream::ReadFromSystemPack(long long valueOffset, unsigned char*
   KLVPacket packet;
   if (ReadElementHead(0, kSystemItem, packet) == PacketHead::Failed) return kStatusUnreadable;
   if (packet.PacketType() != kKeySystemMetadataPack) return kStatusOK;
-  const bool isRead = m_reader->SetOffset(valueOffset, kOxStreamSeekFromCurrent) && m_reader->GetBytes(buffer, size);
-  return isRead ? kStatusOK : kStatusUnreadable;
+  std::array<unsigned char, SystemMetadataPack::kDateSize> bytes{};
+  const bool isRead = buffer != nullptr && m_reader->SetOffset(valueOffset, kOxStreamSeekFromCurrent) &&
+                      m_reader->GetBytes(bytes.data(), size);
+  if (!isRead) return kStatusUnreadable;
+  std::copy_n(bytes.begin(), size, buffer);
+  return kStatusOK;
 }
 
 unsigned int MXFStream::GetUserBit(unsigned char* bits) {
@@ -444,6 +454,8 @@ bool MXFStream::PlaceHeaderSegment(unsigned int editUnit, const IndexArea& area,
 OxSharedPtr<IndexTableSegment> MXFStream::AttachHeaderSegment(const IndexArea& area, unsigned long long position,
                                                               unsigned int number) {
   if (position < area.begin) return {};
+  OxSharedPtr<IndexTableSegment> attached;
+  if (m_bodyPartitions->IndexTableSegmentAtIndex(0, number, attached)) return {};  // every segment would be refused
   while (OxSharedPtr<IndexTableSegment> segment = NextIndexSegment(position, area.end)) {
     if (m_bodyPartitions->SetIndexTableSegment(0, number, segment) != kStatusOK) continue;
     // Only where it was attached: a later segment must not pass for the second one.

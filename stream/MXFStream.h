@@ -15,7 +15,7 @@
 // One clip: an MXF file (SMPTE ST 377-1, OP-1a, frame wrapped) with its essence under body SID 2. A host makes one,
 // calls Parse once, and asks.
 //
-//   MXFStream clip(path);              // throws only for an empty path pointer
+//   MXFStream clip(path);              // a file that is not there is no error yet
 //   if (clip.Parse() != kStatusOK) …   // not there, not MXF, or header metadata damaged
 //   clip.ReadEssenceData(unit, 1, buffer, size);
 //
@@ -24,7 +24,8 @@
 // as in the content package: 0 is the system item, 1 the picture, then sound, then data.
 //
 // Statuses: kStatusOK, or kStatusUnreadable for everything that could not be read or found, unless stated otherwise.
-// Outputs are written on success only. Nothing but the constructor throws.
+// Outputs are written on success only. Nothing but the constructor throws, except std::bad_alloc where not even a small
+// object can be made; what a file asks for beyond the memory there is fails with a status.
 //
 // Threads: one thread at a time opens a clip. After that the queries for index, essence and camera information may be
 // called from several threads: each holds the lock of the clip's reader for its whole sequence of reads. The plain
@@ -62,6 +63,9 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   [[nodiscard]] OxSharedPtr<HeaderMetadata> GetHeaderMetadata() const { return m_headerMetadata; }
   // Empty before a successful ReadHeaderPartitionPack.
   [[nodiscard]] OxSharedPtr<PartitionPack> GetHeaderPartitionPack() const { return m_headerPartitionPack; }
+  // The file, for hosts that read packets of their own; empty when it could not be opened. Reads at absolute offsets
+  // need no lock.
+  [[nodiscard]] OxSharedPtr<OxStream> GetStream() const { return m_stream; }
   // The last picture descriptor in the file: 0 CDCI or none, 1 RGBA.
   [[nodiscard]] unsigned int GetEssenceDescriptor() const { return m_essenceDescriptor; }
   // Empty when the header partition holds none.
@@ -84,7 +88,7 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   // when the system item has no package metadata set.
   unsigned int GetImageStabilizer(OxSharedPtr<OxNumber>* state);
   // Unsigned 32-bit, bits per second, from the second track of the first material package. kStatusUnreadable when the
-  // header does not tell it, or the package has fewer than three tracks. Takes no lock.
+  // header does not tell it, or the package has fewer than three tracks. Does not take the reader's lock.
   unsigned int GetVideoBitRate(OxSharedPtr<OxNumber>* rate) const;
   // The data element of an edit unit; empty on any failure.
   [[nodiscard]] std::vector<unsigned char> GetDataItem(unsigned int editUnit);
@@ -133,6 +137,7 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   };
 
   // Opening.
+  bool TakeListedPartitions();
   bool ReadHeaderPartitionPackAt(unsigned long long offset, const OxSharedPtr<PartitionPack>& pack);
   bool FindHeaderPartitionPack(const OxSharedPtr<PartitionPack>& pack);
   bool ParseHeaderPackets(unsigned long long end);
