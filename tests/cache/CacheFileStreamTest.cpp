@@ -42,16 +42,6 @@ TEST_F(CacheFileStreamTest, ReadsAreCutAtTheEndsOfTheFile) {
   EXPECT_EQ(0, ReadPattern(*stream, 0, 0, 0));
 }
 
-TEST_F(CacheFileStreamTest, ALongReadGoesOnceThroughTheWholeCache) {
-  StreamPtr stream = OpenPattern(0, 70 * kBlock);
-  EXPECT_EQ(static_cast<long long>(70 * kBlock), ReadPattern(*stream, 0, 70 * kBlock, 0));
-  EXPECT_EQ(70, disk.preads);
-  EXPECT_EQ(1, ReadPattern(*stream, 0, 1, 6 * kBlock)) << "the oldest block that is left";
-  EXPECT_EQ(70, disk.preads);
-  EXPECT_EQ(1, ReadPattern(*stream, 0, 1, 0));
-  EXPECT_EQ(71, disk.preads);
-}
-
 TEST_F(CacheFileStreamTest, ElevenStreamsTakeTheCachesFromEachOtherAndReadTheirOwnBytes) {
   std::vector<StreamPtr> streams;
   for (unsigned int i = 0; i < 11; ++i) streams.push_back(OpenPattern(i, 1000));
@@ -105,20 +95,6 @@ TEST_F(CacheFileStreamTest, ACacheOfTheCallersOwnIsUsedAndLeftAlive) {
   EXPECT_EQ(PatternAt(99, 0), own->GetMemoryBufferAtFileOffset(0)[99]);
   EXPECT_EQ(1, ReadPattern(*stream, 0, 1, 99)) << "registers, and reads again";
   EXPECT_EQ(2, disk.preads);
-}
-
-TEST_F(CacheFileStreamTest, ThePositionFollowsTheChunksThatWereRead) {
-  StreamPtr stream = OpenPattern(0, 3 * kBlock);
-  unsigned char bytes[3] = {};
-  EXPECT_EQ(3, stream->Read(bytes, 3, 500, kOxStreamSeekFromStart));
-  EXPECT_EQ(503, stream->Seek(0, kOxStreamSeekFromCurrent));
-  EXPECT_EQ(3, stream->Read(bytes, 3, -3, kOxStreamSeekFromEnd));
-  EXPECT_EQ(PatternAt(3 * kBlock - 1, 0), bytes[2]);
-  EXPECT_EQ(3ll * 65536 + 9, stream->Seek(9, kOxStreamSeekFromEnd)) << "no bounds";
-  EXPECT_EQ(0, stream->Read(bytes, 3, 0, kOxStreamSeekFromCurrent));
-  disk.failedPread = 3;  // blocks 0 and 2 are cached, block 1 is the third to be read
-  EXPECT_EQ(0, ReadPattern(*stream, 0, 2 * kBlock, 10));
-  EXPECT_EQ(65536, stream->Seek(0, kOxStreamSeekFromCurrent)) << "where the last good chunk left it";
 }
 
 TEST_F(CacheFileStreamTest, AStreamThatIsNotOpenReadsAndSeeksNothing) {
@@ -228,16 +204,6 @@ TEST_F(CacheFileStreamTest, OnlyARegularFileThatMayBeReadIsOpened) {
   EXPECT_FALSE(OpenStream(file)) << "a size that is not told";
   EXPECT_EQ(0, disk.openFiles);
   ::close(socket);
-}
-
-TEST_F(CacheFileStreamTest, AnUnreadableFileIsNotOpened) {
-  const std::string path = folder.PatternFile(0, 10);
-  std::filesystem::permissions(path, std::filesystem::perms::none);
-  constexpr uid_t kNobody = 65534;
-  const uid_t user = ::geteuid();
-  ASSERT_EQ(0, ::seteuid(user == 0 ? kNobody : user)) << "root may read everything";
-  EXPECT_FALSE(OpenStream(path));
-  ASSERT_EQ(0, ::seteuid(user));
 }
 
 TEST_F(CacheFileStreamTest, AFileNameMayHoldAnyBytesButZero) {

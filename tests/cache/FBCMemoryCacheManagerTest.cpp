@@ -66,13 +66,6 @@ TEST_F(FBCMemoryCacheManagerTest, ARemovedCacheIsEmptyAndLentNext) {
   EXPECT_EQ("S", eleventh.calls) << "a free cache is taken from nobody";
 }
 
-TEST_F(FBCMemoryCacheManagerTest, NullAndUnknownUsersAreIgnored) {
-  EXPECT_EQ(0u, manager->UpdateMemoryCache(nullptr));
-  EXPECT_EQ(0u, manager->removeCache(nullptr));
-  EXPECT_EQ(0u, manager->removeCache(&eleventh));
-  EXPECT_EQ("", eleventh.calls);
-}
-
 TEST_F(FBCMemoryCacheManagerTest, AManagerWithoutAPoolLendsNothing) {
   EXPECT_EQ(0u, FBCMemoryCacheManager::DeactivateInstance());
   EXPECT_EQ(0u, FBCMemoryCacheManager::DeactivateInstance());

@@ -50,12 +50,6 @@ TEST(OxStringMacTest, TwoByteCharactersBecomeUTF8) {
   EXPECT_EQ("/clips/\xE9\xFF.mxf", Text(new OxStringMac("/clips/\xE9\xFF.mxf", 0))) << "8-bit text is kept";
 }
 
-TEST(OxNumberTest, NumbersPrintAsDigitsAndNarrowToTheLowBits) {
-  EXPECT_EQ("65", Text(OxNumber::Create<unsigned char>(65)));
-  EXPECT_EQ(0x34, OxNumber::Create(0x1234u)->UInt8Value());
-  EXPECT_EQ(-56, OxNumber::Create<unsigned char>(200)->SInt8Value());
-}
-
 TEST(OxMemoryStreamTest, ReadsWhatItHoldsAndNeverFromAnotherPlace) {
   constexpr long long kMost = std::numeric_limits<long long>::max();
   const auto read = [](unsigned long long size, long long offset, int origin) {

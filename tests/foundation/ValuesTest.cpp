@@ -79,20 +79,4 @@ TEST(MDValueTest, ConvertsToItsOwnTypeOnlyAndRepeatedly) {
   EXPECT_EQ("MDValue Init Error", Thrown([] { return Value(3, {}, 4); }));
 }
 
-TEST(MDValueTest, PrintsByItsTypeWhenItHasBytesEnough) {
-  const auto expect = [](const char* text, unsigned int type, unsigned int size, const Bytes& bytes) {
-    EXPECT_EQ(text, Text(Value(type, bytes, size)));
-    EXPECT_EQ("MDValue Cast Error", Thrown([&] { return Text(Value(type, bytes, size - 1)); })) << text;
-  };
-  const Bytes ones = Bytes().Fill(8, 0xFF);
-  expect("255", 1, 1, ones);
-  expect("4294967295", 3, 4, ones);
-  expect("18446744073709551615", 4, 8, ones);
-  expect("-2", 6, 2, {0xFF, 0xFE});
-  expect("-9223372036854775808", 8, 8, Bytes().U64(1ULL << 63));
-  expect("2019/3/7 12:5:9 500", 9, 8, Bytes().U16(2019).Raw({3, 7, 12, 5, 9, 125}));
-  expect("-1/255/255 255:255:255 1020", 9, 8, ones);
-  expect("-1/-1", 10, 8, ones);
-}
-
 }  // namespace

@@ -68,15 +68,4 @@ TEST(KLVPacketTest, OnlyImportablePacketsAreImportedAndOnlyTheLowHalfOfTheStatus
   EXPECT_FALSE(isParsed(kHeaderPackKey, 7, kStatusOK));
 }
 
-TEST(KLVPacketTest, AValueLongerThanTheRestIsNotImported) {
-  for (const unsigned long long length : {6ULL, 7ULL, ~0ULL, ~0ULL - 3}) {
-    ParseMetaData reader(Bytes().Fill(10).Stream());
-    reader.SetOffset(4, 0);
-    ObedientPacket packet;
-    packet.SetLength(length);
-    EXPECT_EQ(length == 6, reader.ParsePacketValue(&packet)) << length;
-    EXPECT_EQ(length == 6 ? 4 : -1, packet.importedAt) << length;
-  }
-}
-
 }  // namespace

@@ -45,6 +45,14 @@ TEST(LocalSetsTest, AnythingButWholeItemsOfDifferentTagsEmptiesTheSet) {
   }
 }
 
+TEST(LocalSetsTest, ALargeRunOfOneTagIsGivenUpWithoutReadingItWhole) {
+  const Bytes zeros = Bytes().Fill(2 << 20);
+  const auto set = PacketFor<LocalSets>(SetKey(0x012F), zeros.Size());
+  const OxSharedPtr<UnsoundStream> stream(new UnsoundStream(zeros));
+  EXPECT_EQ(kStatusUnreadable, set->Import(stream, 0));
+  EXPECT_GT(200, stream->reads);
+}
+
 TEST(LocalSetsTest, ASetThatClaimsFourGigabytesIsNotEvenRead) {
   const auto set = PacketFor<LocalSets>(SetKey(0x012F), 0xFFFFFFFF);
   const OxSharedPtr<UnsoundStream> stream(new UnsoundStream(kTwoItems));

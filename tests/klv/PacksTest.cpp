@@ -33,19 +33,6 @@ TEST(PartitionPackTest, APackThatIsCutKeepsTheFieldsBeforeTheCut) {
   EXPECT_EQ(kStatusUnreadable, pack.Import(value.Stream(), -1));
 }
 
-TEST(PartitionPackTest, PartsThatAreNotThereHaveNoOffset) {
-  const auto expect = [](unsigned int headerBytes, unsigned int indexBytes, unsigned long long header,
-                         unsigned long long index, unsigned long long content) {
-    const auto pack = Imported<PartitionPack>(kHeaderPackKey, PackValue(headerBytes, indexBytes, Batch(0, 16)));
-    EXPECT_EQ(header, pack->HeaderOffset());
-    EXPECT_EQ(index, pack->IndexOffset());
-    EXPECT_EQ(content, pack->ContentOffset());
-  };
-  expect(4096, 8192, 0x10200, 0x11200, 0x13200);
-  expect(0, 8192, ~0ULL, 0x10200, 0x12200);
-  expect(4096, 0, 0x10200, ~0ULL, 0x11200);
-}
-
 TEST(PartitionPackTest, ACountBeyondReasonStopsAtTheEndOfTheValue) {
   const Bytes two = Uid(1).Raw(Uid(2));
   for (const unsigned int count : {65536u, 65537u}) {  // the first of them is still believed

@@ -95,27 +95,6 @@ TEST(STMetadataSetsTest, TwoThreadsMayAskOneSet) {
   EXPECT_EQ(0, wrong);
 }
 
-TEST(STTrackTest, PropertiesBeforeAMissingOneAreSetAndThoseAfterItAreNot) {
-  const std::pair<unsigned int, Bytes> items[] = {
-      {0x4801, Bytes().U32(2)}, {0x4804, Bytes().U32(3)}, {0x4B01, Bytes().U32(25).U32(1)}, {0x4B02, Bytes().U64(4)}};
-  for (std::size_t missing = 0; missing <= 4; ++missing) {
-    Bytes whole;
-    for (std::size_t i = 0; i < 4; ++i) whole.Item(items[i].first, i == missing ? Bytes{1} : items[i].second);
-    STTrack track;
-    EXPECT_EQ(missing == 4 ? kStatusOK : kStatusUnreadable, track.SetTrack(MetadataSet(whole))) << missing;
-    EXPECT_EQ(missing > 0 ? 2u : 0u, track.TrackID()) << missing;
-    EXPECT_EQ(missing > 1 ? 3u : 0u, track.TrackNumber()) << missing;
-    EXPECT_EQ(missing > 2 ? 25 : 0, track.EditRate().numerator) << missing;
-    EXPECT_EQ(missing > 3 ? 4 : 0, track.Origin()) << missing;
-  }
-  STTrack track;
-  EXPECT_EQ(kStatusOK, track.SetSequence(MetadataSet(Bytes().Item(0x0202, Bytes().U64(50)).Item(0x0201, Uid(1)))));
-  EXPECT_EQ(kStatusUnreadable, track.SetSequence(MetadataSet(Bytes().Item(0x0202, Bytes().U64(60)))));
-  EXPECT_EQ(50, track.Duration());
-  EXPECT_FALSE(track.DataDefinition());
-  EXPECT_EQ(kStatusNoInput, track.SetTrack({}) | track.SetSequence({}));
-}
-
 TEST(STTrackTest, TheComponentAnswersBeforeItsOwnDescriptor) {
   const Bytes one = Bytes().U32(1), two = Bytes().U32(2);
   const auto descriptor = MetadataSet(Bytes().Item(0x1102, two).Item(0x1001, References({1})).Item(0x8003, two));

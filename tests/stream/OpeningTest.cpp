@@ -70,16 +70,6 @@ TEST(OpeningTest, ADurationOfZeroOrUnknownOpensAndAnswersNothing) {
   }
 }
 
-// As an unfinished recording is written: its one partition opens the file.
-TEST(OpeningTest, TheHeaderPartitionIsListedWhenItIsSaidToBeTheFooterAndHasEssence) {
-  ClipOptions options = SmallClip();
-  WithoutRandomIndex(options);
-  TestClip clip(options);
-  clip.PatchPack(0, kFooter, 0).PatchPack(0, kBodySid, 2);
-  ASSERT_EQ(kStatusOK, clip.Open());
-  EXPECT_EQ(kStatusOK, clip->ReadBodyPartitionInfo(0));
-}
-
 TEST(OpeningTest, TheLastPictureDescriptorTellsTheKind) {
   for (const auto& [picture, later, kind] : {std::tuple(PictureSet::CDCI, 0x47u, 0u),
                                              {PictureSet::RGBA, 0x47u, 1u},
