@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Installs what is missing of the Debian packages named by the kinds given as arguments: build, test, check.
+# Installs what is missing of the Debian packages named by the kinds given as arguments: build, test, bench, check.
 set -euo pipefail
 
 packages() {
   case $1 in
     build) echo g++ cmake ninja-build libcli11-dev nlohmann-json3-dev ;;
     test) echo libgtest-dev pkg-config binutils ;;
+    bench) echo libbenchmark-dev ;;
     check) echo clang clang-tidy clang-format libclang-rt-14-dev git ;;
     *) echo "install.sh: unknown kind '$1'" >&2 && return 2 ;;
   esac
