@@ -58,7 +58,7 @@ unsigned int FBCMemoryCacheManager::Init() {
       OxSharedPtr<FBCMemoryCache> cache(FBCMemoryCache::Create());
       if (!cache) continue;
       cache->m_belongsToPool = true;
-      m_free.push_back({nullptr, std::move(cache)});
+      m_free.push_back({nullptr, cache.get(), cache});
     }
   } catch (const std::bad_alloc&) {
     return kStatusNoMemory;
@@ -142,7 +142,7 @@ LentCache FBCMemoryCacheManager::Lend(IMemoryCacheManagerAccess* access) {
 }
 
 FBCMemoryCacheManager::Registration FBCMemoryCacheManager::Register(IMemoryCacheManagerAccess* access) {
-  if (const _FBCMemoryCacheManagerItem* item = cacheItemAtAccessPtr(access, true)) return {item->cache, false};
+  if (const _FBCMemoryCacheManagerItem* item = cacheItemAtAccessPtr(access, true)) return {item->owner, false};
   Registration registration;
   if (!m_free.empty()) {
     m_free.back().cache->LendTo(access);
@@ -154,7 +154,7 @@ FBCMemoryCacheManager::Registration FBCMemoryCacheManager::Register(IMemoryCache
   }
   m_used.front().access = access;
   NoteMostRecentUser();
-  registration.cache = m_used.front().cache;
+  registration.cache = m_used.front().owner;
   return registration;
 }
 

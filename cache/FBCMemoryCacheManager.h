@@ -16,7 +16,8 @@ class LentCache;
 // One cache of the pool.
 struct _FBCMemoryCacheManagerItem {
   IMemoryCacheManagerAccess* access;  // who holds the cache; null until it is first lent, stale while it is free
-  OxSharedPtr<FBCMemoryCache> cache;
+  FBCMemoryCache* cache;
+  OxSharedPtr<FBCMemoryCache> owner;  // of the cache, together with the stream that holds it
 };
 
 // The process-wide pool: ten caches of 4 MiB, lent to the streams that read, one to each at most. When all are lent,

@@ -5,7 +5,8 @@
 
 struct stat;
 
-// One regular file, open for reading. The only place of the library that calls the operating system for files.
+// One regular file, open for reading. The only place of the library that calls the operating system for files. Not for
+// hosts: it is not exported, and stands among the public headers only because CacheFileStream holds one.
 //
 // Owns its descriptor and closes it. Reads move no file position, so several threads may read one open file; Open and
 // Close need the file for themselves.

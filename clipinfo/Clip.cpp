@@ -27,7 +27,7 @@ const char* OpeningFault(MXFStream& stream) {
   const OxSharedPtr<PartitionPack> pack = stream.GetHeaderPartitionPack();
   if (!pack) return "not an MXF file: no header partition pack";
   if (pack->HeaderByteCount() == 0) return "no header metadata in the header partition";
-  if (stream.ParseHeaderPartition() != kStatusOK) return "header metadata damaged";
+  if (stream.ParseHeaderPartition() != kStatusOK) return "header metadata damaged, or not one KAG behind its partition";
   if (stream.GetHeaderMetadata()->MaterialPackageCount() == 0) return "no material package in the header metadata";
   return "header metadata damaged: the first track of the material package cannot be read";
 }

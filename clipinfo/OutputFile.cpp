@@ -62,7 +62,7 @@ void OutputFile::OpenBeside(const std::string& path) {
   m_descriptor = ::open(partPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kReadWriteForAll);
   if (m_descriptor < 0) Fail();
   m_partPath = partPath;
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, NoteInterrupt);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) static_cast<void>(std::signal(signal, NoteInterrupt));
 }
 
 OutputFile::~OutputFile() {

@@ -1,6 +1,7 @@
 #include "clipinfo/Progress.h"
 
 #include <unistd.h>
+#include <cmath>
 
 #include <iomanip>
 #include <iostream>
@@ -37,7 +38,7 @@ void Progress::Draw(Clock::time_point now) const {
   const double part = static_cast<double>(m_done) / static_cast<double>(m_total);
   std::string bar(static_cast<std::size_t>(part * kBarWidth), '=');
   bar.resize(kBarWidth, ' ');
-  const auto left = static_cast<long long>(seconds / part - seconds + 0.5);
+  const long long left = std::llround(seconds / part - seconds);
   std::ostringstream line;
   line << kClearLine << '[' << bar << ']' << std::fixed << std::setprecision(0) << std::setw(4) << part * 100 << " %  "
        << m_done << '/' << m_total << " edit units  " << std::setprecision(1)

@@ -113,7 +113,7 @@ std::string DateText(const _Timestamp& date) {
   // All zero is how ST 377-1 writes a date that is not known.
   if (date.year == 0 && date.month == 0 && date.day == 0) return "not set";
   return Padded(date.year, 4) + "-" + Padded(date.month, 2) + "-" + Padded(date.day, 2) + " " + Padded(date.hour, 2) +
-         ":" + Padded(date.minute, 2) + ":" + Padded(date.second, 2) + "." + Padded(date.quarterMilliseconds * 4, 3);
+         ":" + Padded(date.minute, 2) + ":" + Padded(date.second, 2) + "." + Padded(date.quarterMilliseconds * 4LL, 3);
 }
 
 Timebase TimebaseOf(const _Rational& editRate) {

@@ -17,7 +17,7 @@ std::string FormatTextV(const char* format, std::va_list arguments) {
   va_end(measured);
   if (length < 0) return {};
   std::string text(static_cast<std::size_t>(length) + 1, '\0');  // vsnprintf ends what it writes with a zero byte
-  std::vsnprintf(text.data(), text.size(), format, arguments);
+  if (std::vsnprintf(text.data(), text.size(), format, arguments) != length) return {};
   text.pop_back();
   return text;
 }

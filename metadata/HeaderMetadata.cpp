@@ -228,7 +228,7 @@ OxSharedPtr<STTrack> HeaderMetadata::CreateTrack(OxSharedPtr<MxfUUID> trackUID) 
 OxSharedPtr<STMetadataSets> HeaderMetadata::SourcePackageForUMID(OxSharedPtr<UMID> umid) const {
   const unsigned long count = umid ? m_sourcePackages->Count() : 0;
   for (unsigned long i = 0; i < count; ++i) {
-    const OxSharedPtr<STMetadataSets> package = m_sourcePackages->ObjectAtIndex(i);
+    OxSharedPtr<STMetadataSets> package = m_sourcePackages->ObjectAtIndex(i);
     if (umid->isEqualToUMID(ValueAs<UMID>(package, kPackageUIDTag))) return package;
   }
   return {};

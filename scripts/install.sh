@@ -7,7 +7,7 @@ packages() {
     build) echo g++ cmake ninja-build libcli11-dev nlohmann-json3-dev ;;
     test) echo libgtest-dev pkg-config binutils ;;
     bench) echo libbenchmark-dev ;;
-    check) echo clang clang-tidy clang-format libclang-rt-14-dev git ;;
+    check) echo clang clang-tidy clang-format git ;;
     *) echo "install.sh: unknown kind '$1'" >&2 && return 2 ;;
   esac
 }

@@ -53,12 +53,15 @@ bool isPartitionOrIndexPack(unsigned int type) {
 MXFStream::MXFStream(OxSharedPtr<OxStringMac> path) {
   constexpr const char* kInitError = "MXFStream init error";
   if (!path) throw kInitError;
-  m_stream = CacheFileStream::Create(path);
-  m_reader = OxSharedPtr<ParseMetaData>(new (std::nothrow) ParseMetaData(m_stream));
-  m_bodyPartitions = OxSharedPtr<BodyPartitionArray>(new (std::nothrow) BodyPartitionArray);
-  m_packet = OxSharedPtr<KLVPacket>(new (std::nothrow) KLVPacket);
-  m_headerMetadata = OxSharedPtr<HeaderMetadata>(new (std::nothrow) HeaderMetadata);
-  if (!m_reader || !m_bodyPartitions || !m_packet || !m_headerMetadata) throw kInitError;
+  try {
+    m_stream = CacheFileStream::Create(path);
+    m_reader = OxSharedPtr<ParseMetaData>(new ParseMetaData(m_stream));
+    m_bodyPartitions = OxSharedPtr<BodyPartitionArray>(new BodyPartitionArray);
+    m_packet = OxSharedPtr<KLVPacket>(new KLVPacket);
+    m_headerMetadata = OxSharedPtr<HeaderMetadata>(new HeaderMetadata);
+  } catch (const std::bad_alloc&) {
+    throw kInitError;
+  }
 }
 
 MXFStream::~MXFStream() = default;
@@ -401,9 +404,12 @@ bool MXFStream::GetEditUnitInfo(unsigned int editUnit, signed char& temporalOffs
 
 unsigned int MXFStream::ReadIndexTable(unsigned int editUnit) {
   const OxAutoLock guard(m_reader.get());
+  return isIndexInHeader() ? ReadIndexTabelFromHeaderPartition(editUnit) : ReadIndexTableFromPartition(editUnit);
+}
+
+bool MXFStream::isIndexInHeader() const {
   const OxSharedPtr<PartitionPack> header = m_headerPartitionPack;
-  const bool isInHeader = header && header->MajorVersion() == 1 && header->MinorVersion() == 3;
-  return isInHeader ? ReadIndexTabelFromHeaderPartition(editUnit) : ReadIndexTableFromPartition(editUnit);
+  return header && header->MajorVersion() == 1 && header->MinorVersion() == 3;
 }
 
 unsigned int MXFStream::ReadIndexTabelFromHeaderPartition(unsigned int editUnit) {
@@ -488,7 +494,8 @@ unsigned int MXFStream::ReadIndexTableFromPartition(unsigned int editUnit) {
 bool MXFStream::isIndexLoaded(unsigned int index) const {
   unsigned char flag = 0;
   OxSharedPtr<IndexTableSegment> first;
-  return m_bodyPartitions->InfoFlagAtIndex(index, flag) && (flag & kBodyPartitionHasData) == kBodyPartitionHasData &&
+  return !isIndexInHeader() && m_bodyPartitions->InfoFlagAtIndex(index, flag) &&
+         (flag & kBodyPartitionHasData) == kBodyPartitionHasData &&
          m_bodyPartitions->IndexTableSegmentAtIndex(index, 0, first);
 }
 

@@ -58,7 +58,7 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
 
   // --- What the header tells ---
 
-  // In edit units of the first track; 0 before a successful Parse. A clip that is still being recorded may say -1.
+  // In edit units of the first track; 0 until AnalysisDuration sets it. A clip that is still being recorded may say -1.
   [[nodiscard]] long long Duration() const { return m_duration; }
   [[nodiscard]] OxSharedPtr<HeaderMetadata> GetHeaderMetadata() const { return m_headerMetadata; }
   // Empty before a successful ReadHeaderPartitionPack.
@@ -164,6 +164,7 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
                           unsigned int& number) const;
   OxSharedPtr<IndexTableSegment> AttachHeaderSegment(const IndexArea& area, unsigned long long position,
                                                      unsigned int number);
+  [[nodiscard]] bool isIndexInHeader() const;
   bool EnsureBodyPartitionData(unsigned int index);
   [[nodiscard]] bool isIndexLoaded(unsigned int index) const;
   bool IndexPartitionOffset(unsigned int index, unsigned long long& offset) const;

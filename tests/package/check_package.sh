@@ -8,7 +8,7 @@ trap 'rm -rf "$scratch"' EXIT
 
 DESTDIR= cmake --install "$1" --prefix "$scratch/usr" >/dev/null
 
-cmake -S "$here/foreign" -B "$scratch/foreign" -DCMAKE_PREFIX_PATH="$scratch/usr" >/dev/null
+cmake -G Ninja -S "$here/foreign" -B "$scratch/foreign" -DCMAKE_PREFIX_PATH="$scratch/usr" >/dev/null
 cmake --build "$scratch/foreign" >/dev/null
 "$scratch/foreign/foreign"
 
