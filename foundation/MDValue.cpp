@@ -13,7 +13,7 @@ std::string TimestampText(const _Timestamp& t) {
 
 }  // namespace
 
-MDValue::MDValue(unsigned char* bytes, unsigned int size, _MDValueType type) : m_type(type) {
+MDValue::MDValue(const unsigned char* bytes, unsigned int size, _MDValueType type) : m_type(type) {
   if (bytes == nullptr) throw static_cast<const char*>("MDValue Init Error");
   m_stream = OxSharedPtr<OxMemoryStream>(new OxMemoryStream(bytes, size, false));
   m_reader.SetStream(m_stream);

@@ -31,7 +31,7 @@ class CLIPPARSER_EXPORT MDValue : public OxObject {
  public:
   // Copies `size` bytes. Throws "MDValue Init Error" (const char*) when `bytes` is null. Whether the size fits the
   // type shows only when the value is converted.
-  MDValue(unsigned char* bytes, unsigned int size, _MDValueType type);
+  MDValue(const unsigned char* bytes, unsigned int size, _MDValueType type);
   ~MDValue() override;
   MDValue(const MDValue&) = delete;
   using OxObject::operator=;

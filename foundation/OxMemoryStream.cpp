@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-OxMemoryStream::OxMemoryStream(void* data, unsigned long long size, bool)
+OxMemoryStream::OxMemoryStream(const void* data, unsigned long long size, bool)
     : OxMemoryStream(data != nullptr ? std::unique_ptr<unsigned char[]>(new unsigned char[size]) : nullptr,
                      data != nullptr ? size : 0) {
   if (Length() > 0) std::memcpy(m_bytes.get(), data, Length());

@@ -11,7 +11,7 @@ class CLIPPARSER_EXPORT OxMemoryStream : public OxStream {
  public:
   // Copies `size` bytes from `data`; null gives an empty stream. The third argument changes nothing: the bytes are
   // copied either way.
-  OxMemoryStream(void* data, unsigned long long size, bool);
+  OxMemoryStream(const void* data, unsigned long long size, bool);
   ~OxMemoryStream() override;
   OxMemoryStream(const OxMemoryStream&) = delete;
   using OxStream::operator=;
