@@ -1,31 +1,19 @@
 #ifndef CLIPPARSER_CLIPINFO_COMMANDS_H
 #define CLIPPARSER_CLIPINFO_COMMANDS_H
 
-#include <ostream>
+#include <CLI/CLI.hpp>
+#include <functional>
 #include <string>
 
-#include "clipinfo/RowWriter.h"
+// The commands, one source each. A Define function adds its command to the program's arguments and returns what runs it
+// once they are parsed; that returns the program's exit status and has told what went wrong.
+using Runner = std::function<int()>;
 
-// The commands. Each throws CommandError, or what the library throws, and says nothing of it itself.
+Runner DefineInfo(CLI::App& app);
+Runner DefineFrames(CLI::App& app);
+Runner DefineExtract(CLI::App& app);
 
-// Prints a summary of one clip for the eye.
-void RunInfo(std::ostream& out, const std::string& path);
-
-struct FramesOptions {
-  std::string path;
-  std::string range;  // A:B, or empty for the whole clip
-  RowFormat format = RowFormat::Text;
-};
-// Prints a row for each edit unit. The rows before a fault are printed.
-void RunFrames(std::ostream& out, const FramesOptions& options);
-
-struct ExtractOptions {
-  std::string path;
-  unsigned int element = 0;
-  std::string range;   // as above
-  std::string output;  // a path, or - for the standard output
-};
-// Writes one element's bytes of each edit unit, in order. After a fault no output file is left behind.
-void RunExtract(const ExtractOptions& options);
+// Adds --range A:B: edit units of a clip, see Clip::ParseRange.
+void DefineRange(CLI::App& command, std::string& range);
 
 #endif  // CLIPPARSER_CLIPINFO_COMMANDS_H

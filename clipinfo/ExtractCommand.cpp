@@ -1,12 +1,21 @@
 #include <limits>
+#include <memory>
 #include <vector>
 
 #include "clipinfo/Clip.h"
 #include "clipinfo/Commands.h"
+#include "clipinfo/Faults.h"
 #include "clipinfo/OutputFile.h"
 #include "clipinfo/Progress.h"
 
 namespace {
+
+struct ExtractOptions {
+  std::string path;
+  unsigned int element = 0;
+  std::string range;
+  std::string output;  // a path, or - for the standard output
+};
 
 constexpr unsigned long long kNoLocation = 0x7FFFFFFFFFFFFFFF;  // what RangeEssenceData says on failure
 
@@ -59,9 +68,8 @@ class Extractor {
   std::vector<unsigned char> m_bytes;
 };
 
-}  // namespace
-
-void RunExtract(const ExtractOptions& options) {
+// After a fault no output file is left behind.
+void ExtractElement(const ExtractOptions& options) {
   Clip clip(options.path);
   const EditUnits units = clip.ParseRange(options.range);
   Extractor extractor(clip, options.element);
@@ -78,4 +86,20 @@ void RunExtract(const ExtractOptions& options) {
     progress.Step(bytes.size());
   }
   output.Finish();
+}
+
+}  // namespace
+
+Runner DefineExtract(CLI::App& app) {
+  CLI::App* const extract = app.add_subcommand("extract", "Write the bytes of one element of each edit unit");
+  const auto options = std::make_shared<ExtractOptions>();
+  extract->add_option("CLIP", options->path, "MXF file")->required()->type_name("");
+  extract->add_option("--element", options->element, "0 system item, 1 picture, then sound, then data")
+      ->required()
+      ->type_name("N");
+  DefineRange(*extract, options->range);
+  extract->add_option("-o,--output", options->output, "File to write, - for the standard output")
+      ->required()
+      ->type_name("FILE");
+  return [options] { return RunOnClip(options->path, [&] { ExtractElement(*options); }); };
 }

@@ -1,7 +1,18 @@
+#include <iostream>
+#include <memory>
+
 #include "clipinfo/Clip.h"
 #include "clipinfo/Commands.h"
+#include "clipinfo/Faults.h"
+#include "clipinfo/RowWriter.h"
 
 namespace {
+
+struct FramesOptions {
+  std::string path;
+  std::string range;
+  RowFormat format = RowFormat::Text;
+};
 
 [[noreturn]] void FailAt(const Clip& clip, unsigned int editUnit) {
   throw CommandError("edit unit " + std::to_string(editUnit) + ": " + clip.NoIndexText());
@@ -28,9 +39,8 @@ bool isWhole(const FrameRow& row) {
   return true;
 }
 
-}  // namespace
-
-void RunFrames(std::ostream& out, const FramesOptions& options) {
+// The rows before a fault are printed.
+void PrintFrames(std::ostream& out, const FramesOptions& options) {
   Clip clip(options.path);
   const EditUnits units = clip.ParseRange(options.range);
   const auto first = static_cast<unsigned int>(units.begin);
@@ -49,4 +59,20 @@ void RunFrames(std::ostream& out, const FramesOptions& options) {
   }
   writer->End();
   if (incomplete != 0) throw CommandError(std::to_string(incomplete) + " edit units have elements that are unreadable");
+}
+
+}  // namespace
+
+Runner DefineFrames(CLI::App& app) {
+  CLI::App* const frames = app.add_subcommand("frames", "Print a row for each edit unit");
+  const auto options = std::make_shared<FramesOptions>();
+  frames->add_option("CLIP", options->path, "MXF file")->required()->type_name("");
+  DefineRange(*frames, options->range);
+  CLI::Option* const csv = frames->add_flag_callback(
+      "--csv", [options] { options->format = RowFormat::CSV; }, "Comma-separated values");
+  frames
+      ->add_flag_callback(
+          "--json", [options] { options->format = RowFormat::JSON; }, "An array of objects, one on each line")
+      ->excludes(csv);
+  return [options] { return RunOnClip(options->path, [&] { PrintFrames(std::cout, *options); }); };
 }

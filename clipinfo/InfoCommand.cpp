@@ -1,8 +1,11 @@
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "clipinfo/Clip.h"
+#include "clipinfo/ClipList.h"
 #include "clipinfo/Commands.h"
+#include "clipinfo/Faults.h"
 #include "clipinfo/Summary.h"
 #include "klv/SystemMetadataPack.h"
 
@@ -133,9 +136,7 @@ void PrintCamera(std::ostream& out, Clip& clip) {
   PrintSequenceInfo(out, stream.GetStreamFileSequenceInfo().get());
 }
 
-}  // namespace
-
-void RunInfo(std::ostream& out, const std::string& path) {
+void PrintSummary(std::ostream& out, const std::string& path) {
   Clip clip(path);
   const OxSharedPtr<HeaderMetadata> header = clip.Stream().GetHeaderMetadata();
   out << Escaped(path) << '\n';
@@ -145,4 +146,20 @@ void RunInfo(std::ostream& out, const std::string& path) {
   PrintPackages(out, *header);
   PrintCamera(out, clip);
   out << '\n';
+}
+
+int Summarise(std::ostream& out, std::ostream& fault, const std::string& path) {
+  const std::string reason = FaultOf([&] { PrintSummary(out, path); });
+  if (reason.empty()) return kExitOK;
+  PrintFault(fault, path, reason);
+  return kExitFailed;
+}
+
+}  // namespace
+
+Runner DefineInfo(CLI::App& app) {
+  CLI::App* const info = app.add_subcommand("info", "Print what the clips' headers hold; the default");
+  const auto clips = std::make_shared<ClipList>();
+  clips->DefineOn(*info);
+  return [clips] { return ForEachClip(*clips, Summarise); };
 }
