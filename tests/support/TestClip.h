@@ -147,8 +147,10 @@ class CountedReads {
   CountedReads() {
     FBCMemoryCacheManager::DeactivateInstance();
     s_count = 0;
+    s_blocks = 0;
     s_former = ReadOnlyFile::UseSystemCalls({});
     const auto pread = [](int descriptor, void* buffer, unsigned long long count, long long offset) {
+      s_blocks += (count + kBlockSize - 1) / kBlockSize;
       return ++s_count, s_former.pread(descriptor, buffer, count, offset);
     };
     ReadOnlyFile::UseSystemCalls({s_former.open, s_former.fstat, pread, s_former.close});
@@ -156,8 +158,11 @@ class CountedReads {
   ~CountedReads() { ReadOnlyFile::UseSystemCalls(s_former); }
 
   static inline int s_count = 0;
+  static inline unsigned long long s_blocks = 0;  // of 64 KiB
 
  private:
+  static constexpr unsigned long long kBlockSize = 64 * 1024;
+
   static inline ReadOnlyFile::SystemCalls s_former{};
 };
 
