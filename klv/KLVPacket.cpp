@@ -70,6 +70,8 @@ bool ParseMetaData::ParsePacketValue(KLVPacket* packet) {
     if (!isLowHalfOK(packet->Import(m_stream, static_cast<long long>(start)))) return false;
   } catch (const std::bad_alloc&) {  // a value that asks for more memory than there is cannot be decoded
     return false;
+  } catch (const char*) {  // nor can one whose import cannot make its own reader
+    return false;
   }
   m_position = start + length;
   return true;

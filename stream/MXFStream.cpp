@@ -59,7 +59,7 @@ MXFStream::MXFStream(OxSharedPtr<OxStringMac> path) {
     m_bodyPartitions = OxSharedPtr<BodyPartitionArray>(new BodyPartitionArray);
     m_packet = OxSharedPtr<KLVPacket>(new KLVPacket);
     m_headerMetadata = OxSharedPtr<HeaderMetadata>(new HeaderMetadata);
-  } catch (const std::bad_alloc&) {
+  } catch (...) {  // its parts have texts of their own, which a host does not know
     throw kInitError;
   }
 }

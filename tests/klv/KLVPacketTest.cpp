@@ -15,9 +15,12 @@ class ObedientPacket : public KLVPacket {
   using KLVPacket::Import;
   unsigned int Import(OxSharedPtr<OxStream>, long long offset) override {
     importedAt = offset;
+    if (status == kShortOfMemory) throw std::bad_alloc();
+    if (status == kWithoutReader) throw static_cast<const char*>("LocalSets Init Error");
     return status;
   }
 
+  static constexpr unsigned int kShortOfMemory = 0x10000, kWithoutReader = 0x20000;  // would count as success
   unsigned int status = kStatusOK;
   long long importedAt = -1;
 };
@@ -50,7 +53,7 @@ TEST(KLVPacketTest, APacketThatRunsPastTheEndIsNotTakenForTheOneBeforeIt) {
   EXPECT_EQ(first.Size(), packet.NextOffset());
 }
 
-TEST(KLVPacketTest, OnlyImportablePacketsAreImportedAndOnlyTheLowHalfOfTheStatusCounts) {
+TEST(KLVPacketTest, OnlyImportablePacketsAreImportedAndAnyFailureLeavesTheReaderAtTheKey) {
   const auto isParsed = [](const Bytes& key, std::size_t length, unsigned int status) {
     const Bytes file = Packet(key, Bytes().Fill(length));
     ParseMetaData reader(file.Stream());
@@ -66,6 +69,8 @@ TEST(KLVPacketTest, OnlyImportablePacketsAreImportedAndOnlyTheLowHalfOfTheStatus
   EXPECT_TRUE(isParsed(kPrimerPackKey, 7, 0x00130000));
   EXPECT_FALSE(isParsed(kPrimerPackKey, 7, kStatusNoInput));
   EXPECT_FALSE(isParsed(kHeaderPackKey, 7, kStatusOK));
+  EXPECT_FALSE(isParsed(kPrimerPackKey, 7, ObedientPacket::kShortOfMemory));
+  EXPECT_FALSE(isParsed(kPrimerPackKey, 7, ObedientPacket::kWithoutReader));
 }
 
 }  // namespace

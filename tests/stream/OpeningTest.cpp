@@ -15,6 +15,27 @@ TEST(OpeningTest, AnEmptyPathThrowsAndAMissingFileFailsToParse) {
   EXPECT_FALSE(clip.GetHeaderPartitionPack());
 }
 
+TEST(OpeningTest, WhateverGoesWrongTheConstructorThrowsItsOwnText) {
+  static bool isMemoryShort = false;
+  const ReadOnlyFile::SystemCalls former = ReadOnlyFile::UseSystemCalls({});
+  const auto open = [](const char*, int) -> int {
+    if (isMemoryShort) throw std::bad_alloc();
+    throw static_cast<const char*>("another text");
+  };
+  ReadOnlyFile::UseSystemCalls({open, former.fstat, former.pread, former.close});
+  for (const bool isShort : {false, true}) {
+    isMemoryShort = isShort;
+    std::string text;
+    try {
+      MXFStream(CreateOxString("clip.mxf"));
+    } catch (const char* thrown) {
+      text = thrown;
+    }
+    EXPECT_EQ("MXFStream init error", text);
+  }
+  ReadOnlyFile::UseSystemCalls(former);
+}
+
 TEST(OpeningTest, ADamagedHeaderFailsAndListsNothing) {
   const struct {
     const char* name;
