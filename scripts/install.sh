@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing of the Debian packages named by the kinds given as arguments: build, test, bench, check.
+# Installs what is missing of the Debian packages named by the kinds given as arguments: build, test, bench, clang,
+# check.
 set -euo pipefail
 
 packages() {
@@ -7,6 +8,7 @@ packages() {
     build) echo g++ cmake ninja-build libcli11-dev nlohmann-json3-dev ;;
     test) echo libgtest-dev pkg-config binutils ;;
     bench) echo libbenchmark-dev ;;
+    clang) echo clang libclang-rt-14-dev ;;
     check) echo clang clang-tidy clang-format git ;;
     *) echo "install.sh: unknown kind '$1'" >&2 && return 2 ;;
   esac

@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 preset=${1:-dev}
 shift || true
 scripts/install.sh build test
-[ "$preset" = clang ] && scripts/install.sh check
+case $preset in clang | asan-ubsan) scripts/install.sh clang ;; esac
 
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
