@@ -100,18 +100,18 @@ std::vector<std::string> ListClips(const std::vector<std::string>& paths) {
   return clips;
 }
 
-int ForEachClip(const ClipList& list, const ClipTask& task) {
+int ForEachClip(const ClipList& list, const ClipTask& task, const Frame& frame) {
   const std::vector<std::string> clips = ListClips(list.paths);
   const auto count = static_cast<unsigned int>(std::min<std::size_t>(list.jobs, clips.size()));
   Workers workers(clips, count, task);
   int status = kExitOK;
   for (std::size_t i = 0; i < clips.size(); ++i) {
     const Outcome outcome = workers.WaitFor(i);
-    std::cout << outcome.out << std::flush;
+    std::cout << (i == 0 ? frame.head : frame.separator) << outcome.out << std::flush;
     std::cerr << outcome.fault;
     status = std::max(status, outcome.status);
   }
-  if (std::cout) return status;
+  if (std::cout << frame.tail << std::flush) return status;
   PrintFault(std::cerr, "standard output", "cannot be written");
   return std::max(status, kExitFailed);
 }

@@ -23,8 +23,15 @@ struct ClipList {
 // Works on one clip: prints to `out`, tells faults on `fault`, returns an exit status.
 using ClipTask = std::function<int(std::ostream& out, std::ostream& fault, const std::string& path)>;
 
+// What is printed before the first clip's output, between two clips and after the last one.
+struct Frame {
+  std::string head;
+  std::string separator;
+  std::string tail;
+};
+
 // Works on each clip, `jobs` at a time. What is printed comes in the list's order, whichever ends first; the greatest
 // exit status is returned.
-[[nodiscard]] int ForEachClip(const ClipList& list, const ClipTask& task);
+[[nodiscard]] int ForEachClip(const ClipList& list, const ClipTask& task, const Frame& frame = {});
 
 #endif  // CLIPPARSER_CLIPINFO_CLIPLIST_H

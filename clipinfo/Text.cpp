@@ -109,9 +109,10 @@ std::string RationalText(const _Rational& value) {
   return value.denominator == 1 ? numerator : numerator + "/" + std::to_string(value.denominator);
 }
 
+bool isDateSet(const _Timestamp& date) { return date.year != 0 || date.month != 0 || date.day != 0; }
+
 std::string DateText(const _Timestamp& date) {
-  // All zero is how ST 377-1 writes a date that is not known.
-  if (date.year == 0 && date.month == 0 && date.day == 0) return "not set";
+  if (!isDateSet(date)) return "not set";
   return Padded(date.year, 4) + "-" + Padded(date.month, 2) + "-" + Padded(date.day, 2) + " " + Padded(date.hour, 2) +
          ":" + Padded(date.minute, 2) + ":" + Padded(date.second, 2) + "." + Padded(date.quarterMilliseconds * 4LL, 3);
 }

@@ -27,6 +27,7 @@ constexpr const char* kUnreadable = "unreadable";
 
 [[nodiscard]] std::string HexText(const unsigned char* bytes, std::size_t count);
 [[nodiscard]] std::string RationalText(const _Rational& value);  // 16/9, or 25 when the denominator is 1
+[[nodiscard]] bool isDateSet(const _Timestamp& date);            // ST 377-1 writes zeros for a date that is not known
 [[nodiscard]] std::string DateText(const _Timestamp& date);
 
 // What hours:minutes:seconds:frames count in; a base of 0 is unknown.
