@@ -39,6 +39,10 @@ struct AskLimits {
   unsigned int elements = 6;     // of each edit unit
   unsigned int items = 8;        // of each list in the header
   unsigned int bytes = 1 << 20;  // the buffer for an element
+
+  unsigned int Of(unsigned long long count) const {
+    return static_cast<unsigned int>(std::min<unsigned long long>(count, items));
+  }
 };
 
 constexpr unsigned long long kNoAnswer = ~0ULL;  // the number for a failure
@@ -84,12 +88,97 @@ inline const std::vector<OxSharedPtr<MxfUUID>>& AllProperties() {
 }
 
 template <class Answer>
+class HeaderAsker {
+ public:
+  HeaderAsker(Answer& answer, const AskLimits& limits) : m_answer(answer), m_limits(limits) {}
+
+  void Ask(const HeaderMetadata& header) {
+    m_answer({"IdentificationCount"}, header.IdentificationCount());
+    m_answer({"EssenceContainerDataCount"}, header.EssenceContainerDataCount());
+    m_answer({"MaterialPackageCount"}, header.MaterialPackageCount());
+    m_answer({"MaterialPackageUMID"}, DigestOf(header.MaterialPackageUMID()));
+    for (const _LocalTag tag : AllTags()) {
+      Value({"PrefaceInfoForTag", tag}, header.PrefaceInfoForTag(tag));
+      for (unsigned int i = 0; i < m_limits.Of(header.IdentificationCount()); ++i) {
+        Value({"IdentificationInfoForTag", tag, i}, header.IdentificationInfoForTag(tag, i));
+      }
+      for (unsigned int i = 0; i < m_limits.Of(header.EssenceContainerDataCount()); ++i) {
+        Value({"EssenceContainerDataForTag", tag, i}, header.EssenceContainerDataForTag(tag, i));
+      }
+    }
+    for (unsigned int package = 0; package <= m_limits.Of(header.MaterialPackageCount()); ++package) {
+      m_answer({"TrackCount", package}, header.TrackCount(package));
+      for (unsigned int i = 0; i <= m_limits.Of(header.TrackCount(package)); ++i) {
+        Track({"TrackForIndex", i, package}, header.TrackForIndex(i, package));
+      }
+    }
+    ReferredSets(header);
+  }
+
+ private:
+  // Remembers the references in a value, so that the sets behind them are asked as well.
+  void Value(const About& about, const OxSharedPtr<OxObject>& value) {
+    m_answer(about, DigestOf(value));
+    Remember(value);
+    if (const OxSharedPtr<OxArray> array = value) {
+      for (unsigned int i = 0; i < m_limits.Of(array->Count()); ++i) Remember(array->ObjectAtIndex(i));
+    }
+  }
+  void Remember(const OxSharedPtr<MxfUUID>& reference) {
+    if (reference && m_seen.size() < m_limits.items * m_limits.items && m_seen.insert(*reference).second) {
+      m_references.push_back(reference);
+    }
+  }
+
+  void Track(const About& about, const OxSharedPtr<STTrack>& track) {
+    m_answer(about, track ? 1 : kNoAnswer);
+    if (!track) return;
+    const unsigned long long where = about.second << 32 | about.first;
+    m_answer({"TrackID", where}, track->TrackID());
+    m_answer({"TrackNumber", where}, track->TrackNumber());
+    const _Rational rate = track->EditRate();
+    m_answer({"EditRate", where}, DigestOf(&rate, sizeof(rate)));
+    m_answer({"Origin", where}, static_cast<unsigned long long>(track->Origin()));
+    m_answer({"track's Duration", where}, static_cast<unsigned long long>(track->Duration()));
+    m_answer({"DataDefinition", where}, DigestOf(track->DataDefinition()));
+    m_answer({"ComponentCount", where}, track->ComponentCount());
+    for (unsigned int i = 0; i <= m_limits.Of(track->ComponentCount()); ++i) {
+      for (const _LocalTag tag : AllTags()) Value({"track's ValueForTag", where, tag}, track->ValueForTag(tag, i));
+      for (const auto& label : AllProperties()) {
+        Value({"track's ValueForUUID", where, DigestOf(label)}, track->ValueForUUID(label, i));
+      }
+    }
+  }
+
+  // Each set is numbered in the order in which a reference led to it.
+  void ReferredSets(const HeaderMetadata& header) {
+    for (unsigned int number = 0; !m_references.empty(); ++number) {
+      const OxSharedPtr<MxfUUID> reference = m_references.front();
+      m_references.pop_front();
+      const OxSharedPtr<STMetadataSets> set = header.MetadataForKey(reference);
+      m_answer({"MetadataForKey", number}, set ? set->PacketType() : kNoAnswer);
+      if (!set) continue;
+      for (const _LocalTag tag : AllTags()) Value({"ValueForTag", number, tag}, set->ValueForTag(tag));
+      m_answer({"GetDescriptor", number}, DigestOf(header.GetDescriptor(set)));
+      m_answer({"SourcePackageForUMID", number}, DigestOf(header.SourcePackageForUMID(set->UMIDForTag(0x4401))));
+      Track({"CreateTrack", number, 0xFFFF}, header.CreateTrack(reference));
+    }
+  }
+
+  Answer& m_answer;
+  const AskLimits m_limits;
+  std::set<MxfUUID> m_seen;
+  std::deque<OxSharedPtr<MxfUUID>> m_references;
+};
+
+template <class Answer>
 class Asker {
  public:
   Asker(MXFStream& clip, Answer& answer, const AskLimits& limits)
       : m_clip(clip), m_answer(answer), m_limits(limits), m_buffer(new unsigned char[limits.bytes]) {}
 
   void Units() {
+    m_answer({"GetEssenceDescriptor"}, m_clip.GetEssenceDescriptor());
     m_answer({"Duration"}, static_cast<unsigned long long>(m_clip.Duration()));
     const auto duration = static_cast<unsigned int>(std::clamp(m_clip.Duration(), 0LL, 0xFFFFFFFFLL));
     for (unsigned int unit = 0; unit < std::min(duration, m_limits.units); ++unit) Unit(unit);
@@ -112,37 +201,13 @@ class Asker {
     SequenceInfo("GetStreamFileSequenceInfo", m_clip.GetStreamFileSequenceInfo());
   }
 
-  void Header() {
-    m_answer({"GetEssenceDescriptor"}, m_clip.GetEssenceDescriptor());
-    const OxSharedPtr<HeaderMetadata> header = m_clip.GetHeaderMetadata();
-    m_answer({"IdentificationCount"}, header->IdentificationCount());
-    m_answer({"EssenceContainerDataCount"}, header->EssenceContainerDataCount());
-    m_answer({"MaterialPackageCount"}, header->MaterialPackageCount());
-    m_answer({"MaterialPackageUMID"}, DigestOf(header->MaterialPackageUMID()));
-    for (const _LocalTag tag : AllTags()) {
-      Value({"PrefaceInfoForTag", tag}, header->PrefaceInfoForTag(tag));
-      for (unsigned int i = 0; i < Shortest(header->IdentificationCount()); ++i) {
-        Value({"IdentificationInfoForTag", tag, i}, header->IdentificationInfoForTag(tag, i));
-      }
-      for (unsigned int i = 0; i < Shortest(header->EssenceContainerDataCount()); ++i) {
-        Value({"EssenceContainerDataForTag", tag, i}, header->EssenceContainerDataForTag(tag, i));
-      }
-    }
-    for (unsigned int package = 0; package <= Shortest(header->MaterialPackageCount()); ++package) {
-      m_answer({"TrackCount", package}, header->TrackCount(package));
-      for (unsigned int i = 0; i <= Shortest(header->TrackCount(package)); ++i) {
-        Track({"TrackForIndex", i, package}, header->TrackForIndex(i, package));
-      }
-    }
-    ReferredSets(*header);
-  }
-
   void Partitions() {
     const OxSharedPtr<PartitionPack> pack = m_clip.GetHeaderPartitionPack();
     for (const unsigned long long offset : {pack ? pack->ThisPartition() : 0, pack ? pack->FooterPartition() : 0}) {
       const OxSharedPtr<OxArray> segments = m_clip.GetIndexFromPartition(offset);
       m_answer({"GetIndexFromPartition", offset}, segments ? segments->Count() : kNoAnswer);
-      for (unsigned int i = 0; segments && i < Shortest(segments->Count()); ++i) Segment(segments->ObjectAtIndex(i), i);
+      for (unsigned int i = 0; segments && i < m_limits.Of(segments->Count()); ++i)
+        Segment(segments->ObjectAtIndex(i), i);
       SequenceInfo("GetStreamFileSequenceInfoAtOffset",
                    m_clip.GetStreamFileSequenceInfoAtOffset(static_cast<long long>(offset)));
     }
@@ -162,19 +227,17 @@ class Asker {
   }
 
  private:
-  unsigned int Shortest(unsigned long long count) const {
-    return static_cast<unsigned int>(std::min<unsigned long long>(count, m_limits.items));
-  }
+  static unsigned int Place(signed char offset) { return static_cast<unsigned int>(offset + 128); }
 
   void Unit(unsigned int unit) {
     signed char temporal = 0, key = 0;
     unsigned char flags = 0;
     m_answer({"GetFlagsAtIndex", unit}, m_clip.GetFlagsAtIndex(unit, flags) ? flags : kNoAnswer);
     m_answer({"GetTemporalOffsetAtIndex", unit},
-             m_clip.GetTemporalOffsetAtIndex(unit, temporal) ? temporal + 128u : kNoAnswer);
-    m_answer({"GetKeyOffsetAtIndex", unit}, m_clip.GetKeyOffsetAtIndex(unit, key) ? key + 128u : kNoAnswer);
+             m_clip.GetTemporalOffsetAtIndex(unit, temporal) ? Place(temporal) : kNoAnswer);
+    m_answer({"GetKeyOffsetAtIndex", unit}, m_clip.GetKeyOffsetAtIndex(unit, key) ? Place(key) : kNoAnswer);
     const bool isKnown = m_clip.GetEditUnitInfo(unit, temporal, key, flags);
-    m_answer({"GetEditUnitInfo", unit}, isKnown ? (temporal + 128u) << 16 | (key + 128u) << 8 | flags : kNoAnswer);
+    m_answer({"GetEditUnitInfo", unit}, isKnown ? Place(temporal) << 16 | Place(key) << 8 | flags : kNoAnswer);
     for (unsigned int element = 0; element < m_limits.elements; ++element) Element(unit, element);
     const std::vector<unsigned char> data = m_clip.GetDataItem(unit);
     m_answer({"GetDataItem", unit}, data.empty() ? kNoAnswer : DigestOf(data.data(), data.size()));
@@ -199,55 +262,6 @@ class Asker {
     m_answer({query, 3}, info ? DigestOf(info->StartPosition()) : kNoAnswer);
   }
 
-  // Remembers the references in a value, so that the sets behind them are asked as well.
-  void Value(const About& about, const OxSharedPtr<OxObject>& value) {
-    m_answer(about, DigestOf(value));
-    Remember(value);
-    if (const OxSharedPtr<OxArray> array = value) {
-      for (unsigned int i = 0; i < Shortest(array->Count()); ++i) Remember(array->ObjectAtIndex(i));
-    }
-  }
-  void Remember(const OxSharedPtr<MxfUUID>& reference) {
-    if (reference && m_seen.size() < m_limits.items * m_limits.items && m_seen.insert(*reference).second) {
-      m_references.push_back(reference);
-    }
-  }
-
-  void Track(const About& about, const OxSharedPtr<STTrack>& track) {
-    m_answer(about, track ? 1 : kNoAnswer);
-    if (!track) return;
-    const unsigned long long where = about.second << 32 | about.first;
-    m_answer({"TrackID", where}, track->TrackID());
-    m_answer({"TrackNumber", where}, track->TrackNumber());
-    const _Rational rate = track->EditRate();
-    m_answer({"EditRate", where}, DigestOf(&rate, sizeof(rate)));
-    m_answer({"Origin", where}, static_cast<unsigned long long>(track->Origin()));
-    m_answer({"track's Duration", where}, static_cast<unsigned long long>(track->Duration()));
-    m_answer({"DataDefinition", where}, DigestOf(track->DataDefinition()));
-    m_answer({"ComponentCount", where}, track->ComponentCount());
-    for (unsigned int i = 0; i <= Shortest(track->ComponentCount()); ++i) {
-      for (const _LocalTag tag : AllTags()) Value({"track's ValueForTag", where, tag}, track->ValueForTag(tag, i));
-      for (const auto& label : AllProperties()) {
-        Value({"track's ValueForUUID", where, DigestOf(label)}, track->ValueForUUID(label, i));
-      }
-    }
-  }
-
-  // Each set is numbered in the order in which a reference led to it.
-  void ReferredSets(const HeaderMetadata& header) {
-    for (unsigned int number = 0; !m_references.empty(); ++number) {
-      const OxSharedPtr<MxfUUID> reference = m_references.front();
-      m_references.pop_front();
-      const OxSharedPtr<STMetadataSets> set = header.MetadataForKey(reference);
-      m_answer({"MetadataForKey", number}, set ? set->PacketType() : kNoAnswer);
-      if (!set) continue;
-      for (const _LocalTag tag : AllTags()) Value({"ValueForTag", number, tag}, set->ValueForTag(tag));
-      m_answer({"GetDescriptor", number}, DigestOf(header.GetDescriptor(set)));
-      m_answer({"SourcePackageForUMID", number}, DigestOf(header.SourcePackageForUMID(set->UMIDForTag(0x4401))));
-      Track({"CreateTrack", number, 0xFFFF}, header.CreateTrack(reference));
-    }
-  }
-
   void Segment(const OxSharedPtr<IndexTableSegment>& segment, unsigned int number) {
     const long long start = segment->IndexStartPosition();
     m_answer({"IndexStartPosition", number}, static_cast<unsigned long long>(start));
@@ -264,8 +278,6 @@ class Asker {
   Answer& m_answer;
   const AskLimits m_limits;
   std::unique_ptr<unsigned char[]> m_buffer;
-  std::set<MxfUUID> m_seen;
-  std::deque<OxSharedPtr<MxfUUID>> m_references;
 };
 
 // `answer(const About&, unsigned long long number)` is called for each query, in an order that depends on the answers
@@ -275,8 +287,14 @@ void AskEverything(MXFStream& clip, Answer answer, const AskLimits& limits = {})
   Asker<Answer> asker(clip, answer, limits);
   asker.Units();
   asker.Camera();
-  asker.Header();
+  HeaderAsker<Answer>(answer, limits).Ask(*clip.GetHeaderMetadata());
   asker.Partitions();
+}
+
+// The same for header metadata alone.
+template <class Answer>
+void AskHeader(const HeaderMetadata& header, Answer answer, const AskLimits& limits = {}) {
+  HeaderAsker<Answer>(answer, limits).Ask(header);
 }
 
 #endif  // CLIPPARSER_TESTS_SUPPORT_ASKEVERYTHING_H

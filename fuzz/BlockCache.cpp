@@ -1,0 +1,74 @@
+#include <cstring>
+#include <deque>
+#include <list>
+
+#include "cache/FBCMemoryCache.h"
+#include "fuzz/Fuzz.h"
+
+namespace {
+
+constexpr auto kBlockSize = FBCMemoryCache::kBlockSize;
+constexpr int kBlocks = FBCMemoryCache::kBufferSize / kBlockSize;
+
+// Which block lies where, and which goes first: the blocks of one cache as a list that is searched from its front.
+class CacheModel {
+ public:
+  void Run(Script& script) {
+    unsigned char* top = m_cache->addCache(0);  // the last block is the first one to be handed out
+    m_cache->delCache(0);
+    for (unsigned long long i = kBlocks; i-- > 0;) m_free.push_back(top - i * kBlockSize);
+    while (!script.isOver()) {
+      const unsigned int step = script.Byte();
+      Step(step, static_cast<unsigned long long>(script.Number()) * kBlockSize);
+      MUST(m_cache->BlockCount() == kBlocks);
+    }
+  }
+
+ private:
+  struct Block {
+    unsigned long long offset;
+    unsigned char* bytes;
+  };
+
+  void Step(unsigned int step, unsigned long long offset) {
+    auto block = std::find_if(m_used.begin(), m_used.end(), [offset](const Block& b) { return b.offset == offset; });
+    const bool isUsed = block != m_used.end();
+    if (step == 0xFF) {
+      MUST(m_cache->cleanCache() == 0);
+      for (; !m_used.empty(); m_used.pop_back()) m_free.push_back(m_used.back().bytes);
+    } else if (step % 8 == 0) {
+      m_cache->delCache(offset);
+      if (isUsed) m_free.push_back(block->bytes), m_used.erase(block);
+    } else if (step % 2 == 0) {
+      unsigned char* bytes = m_cache->GetMemoryBufferAtFileOffset(offset);
+      MUST(bytes == (isUsed ? block->bytes : nullptr));
+      if (!isUsed) return;
+      MUST(std::memcmp(bytes, &offset, sizeof offset) == 0 && bytes[kBlockSize - 1] == offset / kBlockSize % 256);
+      m_used.splice(m_used.begin(), m_used, block);
+    } else {
+      unsigned char* bytes = m_cache->addCache(offset);
+      if (!isUsed) {
+        auto victim = m_free.empty() ? m_used.back().bytes : m_free.back();
+        m_free.empty() ? m_used.pop_back() : m_free.pop_back();
+        block = m_used.insert(m_used.end(), {offset, victim});
+      }
+      m_used.splice(m_used.begin(), m_used, block);
+      MUST(bytes == block->bytes);
+      std::memcpy(bytes, &offset, sizeof offset);
+      bytes[kBlockSize - 1] = static_cast<unsigned char>(offset / kBlockSize % 256);
+    }
+  }
+
+  const std::unique_ptr<FBCMemoryCache> m_cache{FBCMemoryCache::Create()};
+  std::list<Block> m_used;
+  std::deque<unsigned char*> m_free;
+};
+
+}  // namespace
+
+// A script of calls.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  Script script(data, std::min<std::size_t>(size, 1024));
+  CacheModel().Run(script);
+  return 0;
+}
