@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing of the Debian packages named by the kinds given as arguments: build, test, bench, clang,
-# check.
+# fuzz, check.
 set -euo pipefail
 
 packages() {
@@ -9,6 +9,7 @@ packages() {
     test) echo libgtest-dev pkg-config binutils python3 ;;
     bench) echo libbenchmark-dev ;;
     clang) echo clang libclang-rt-14-dev ;;
+    fuzz) echo clang libclang-rt-14-dev llvm-14 ;;
     check) echo clang clang-tidy clang-format git ;;
     *) echo "install.sh: unknown kind '$1'" >&2 && return 2 ;;
   esac

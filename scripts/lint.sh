@@ -7,4 +7,4 @@ scripts/install.sh build test check
 
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 cmake --preset clang >/dev/null
-git ls-files '*.cpp' | grep -vE '^(tests|bench)/' | xargs -P 2 -n 4 clang-tidy -p build/clang --quiet
+git ls-files '*.cpp' | grep -vE '^(tests|fuzz|bench)/' | xargs -P 2 -n 4 clang-tidy -p build/clang --quiet
