@@ -10,8 +10,13 @@
 class CLIPPARSER_EXPORT OxAutoLock {
  public:
   explicit OxAutoLock(OxSharedPtr<OxLockAbstract> lock);
-  explicit OxAutoLock(OxLockAbstract* lock);
-  ~OxAutoLock();
+  // Inlined, so that the lock of a member is taken without a virtual call.
+  explicit OxAutoLock(OxLockAbstract* lock) : m_lock(lock) {
+    if (m_lock != nullptr) m_lock->Lock();
+  }
+  ~OxAutoLock() {
+    if (m_lock != nullptr) m_lock->Unlock();
+  }
   OxAutoLock(const OxAutoLock&) = delete;
   OxAutoLock& operator=(const OxAutoLock&) = delete;
 

@@ -4,8 +4,12 @@ OxRecursiveLock::OxRecursiveLock() = default;
 
 OxRecursiveLock::~OxRecursiveLock() = default;
 
-void OxRecursiveLock::Lock() { m_mutex.lock(); }
-
-void OxRecursiveLock::Unlock() { m_mutex.unlock(); }
-
-bool OxRecursiveLock::TryLock() { return m_mutex.try_lock(); }
+bool OxRecursiveLock::TryLock() {
+  const std::thread::id self = std::this_thread::get_id();
+  if (m_holder.load(std::memory_order_relaxed) != self) {
+    if (!m_mutex.try_lock()) return false;
+    m_holder.store(self, std::memory_order_relaxed);
+  }
+  ++m_depth;
+  return true;
+}

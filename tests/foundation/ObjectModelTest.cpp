@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <thread>
 
+#include "foundation/OxAutoLock.h"
 #include "foundation/OxNumber.h"
+#include "foundation/OxRecursiveLock.h"
 #include "tests/support/Bytes.h"
 
 namespace {
@@ -34,6 +37,46 @@ TEST(OxSharedPtrTest, TheLastPointerDeletesOnceWhateverBaseItPointsTo) {
   EXPECT_EQ(0, deaths);
   object = crossCast;
   EXPECT_EQ(1, deaths);
+}
+
+TEST(OxRecursiveLockTest, IsFreeForOthersOnlyAfterAsManyUnlocksAsLocks) {
+  OxRecursiveLock lock;
+  const auto isFreeForOthers = [&lock] {
+    bool isTaken = false;
+    std::thread([&] {
+      isTaken = lock.TryLock() && lock.TryLock();
+      for (int i = 0; isTaken && i < 2; ++i) lock.Unlock();
+    }).join();
+    return isTaken;
+  };
+  lock.Lock();
+  {
+    const OxAutoLock guard(&lock);
+    EXPECT_TRUE(lock.TryLock());
+  }
+  EXPECT_FALSE(isFreeForOthers());
+  lock.Unlock();
+  EXPECT_FALSE(isFreeForOthers());
+  lock.Unlock();
+  EXPECT_TRUE(isFreeForOthers());
+  lock.Lock();
+  EXPECT_FALSE(isFreeForOthers()) << "taken back";
+  lock.Unlock();
+}
+
+TEST(OxRecursiveLockTest, ThreadsTakeTurnsAndSeeWhatTheLastOneWrote) {
+  OxRecursiveLock lock;
+  int sum = 0;
+  const auto add = [&] {
+    for (int i = 0; i < 10'000; ++i) {
+      const OxAutoLock outer(&lock), inner(&lock);
+      ++sum;
+    }
+  };
+  std::thread first(add), second(add);
+  first.join();
+  second.join();
+  EXPECT_EQ(20'000, sum);
 }
 
 TEST(OxStringMacTest, TwoByteCharactersBecomeUTF8) {
