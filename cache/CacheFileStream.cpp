@@ -7,7 +7,7 @@
 
 #include "cache/FBCMemoryCacheManager.h"
 #include "cache/LentCache.h"
-#include "foundation/OxAutoLock.h"
+#include "foundation/CopyBytes.h"
 #include "foundation/Status.h"
 
 namespace {
@@ -42,7 +42,7 @@ OxSharedPtr<CacheFileStream> CacheFileStream::Create(OxSharedPtr<OxStringMac> pa
 }
 
 unsigned int CacheFileStream::Init(OxSharedPtr<OxStringMac> path) {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   // Blocks of a file opened earlier must not answer for the new one.
   LeavePool();
   EraseCache();
@@ -60,8 +60,8 @@ bool CacheFileStream::CanSeek() { return m_file.IsOpen(); }
 long long CacheFileStream::Read(unsigned char* buffer, unsigned long long size, long long offset,
                                 OxStream_Seek_Origin origin) {
   try {
-    OxAutoLock guard(&m_lock);
-    if (buffer == nullptr || !CanRead()) return 0;
+    const OxRecursiveLock::Hold hold(m_lock);
+    if (buffer == nullptr || !m_file.IsOpen()) return 0;
     const _OxRange range = CalcReadRange(size, offset, origin);
     if (range.length == 0) return 0;
     return static_cast<long long>(ReadRange(buffer, range));
@@ -71,26 +71,26 @@ long long CacheFileStream::Read(unsigned char* buffer, unsigned long long size, 
 }
 
 long long CacheFileStream::Seek(long long offset, OxStream_Seek_Origin origin) {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   return OxStream::Seek(offset, origin);
 }
 
 void CacheFileStream::SetUseCache(FBCMemoryCache* cache) {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   m_cache = cache;
   // A cache that is not counted yet must not be wrapped: it is its maker's to delete.
   m_keptAlive = cache != nullptr && cache->BelongsToPool() ? OxSharedPtr<FBCMemoryCache>(cache) : nullptr;
 }
 
 void CacheFileStream::EraseCache() {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   m_cache = nullptr;
   m_keptAlive.Reset();
 }
 
 unsigned long long CacheFileStream::ReadFromCache(unsigned char* buffer, unsigned long long offset,
                                                   unsigned long long length) {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   const LentCache cache = LockCacheInUse();
   if (buffer == nullptr || !cache || offset >= Length()) return 0;
   return CopyFromCache(cache.get(), buffer, offset, length);
@@ -98,10 +98,10 @@ unsigned long long CacheFileStream::ReadFromCache(unsigned char* buffer, unsigne
 
 unsigned long long CacheFileStream::ReadFromFile(unsigned char* buffer, unsigned long long offset,
                                                  unsigned long long length) {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   const LentCache cache = LockCacheInUse();
   if (buffer == nullptr || !cache || offset >= Length()) return 0;
-  return CopyFromFile(cache.get(), buffer, offset, length);
+  return CopyFromFile(cache.get(), cache.get()->addCache(BlockBase(offset)), buffer, offset, length);
 }
 
 unsigned long long CacheFileStream::ReadFromFileSub(unsigned long long offset, unsigned long long length,
@@ -117,8 +117,10 @@ void CacheFileStream::LeavePool() {
 // The cache stays locked, and therefore this stream's own, to the end of the read.
 unsigned long long CacheFileStream::ReadRange(unsigned char* buffer, const _OxRange& range) {
   LentCache cache;
-  if (m_keptAlive && FBCMemoryCacheManager::IsMostRecentUser(this)) cache = LockCacheInUse();
-  if (!cache && !FBCMemoryCacheManager::LendForRead(this, cache)) {
+  if (m_keptAlive) cache = LockCacheInUse();
+  if (cache) {
+    cache.NoteUse();
+  } else if (!FBCMemoryCacheManager::LendForRead(this, cache)) {
     std::memset(buffer, 0, range.length);
     return range.length;
   }
@@ -127,7 +129,7 @@ unsigned long long CacheFileStream::ReadRange(unsigned char* buffer, const _OxRa
     const unsigned long long offset = range.location + done;
     const unsigned long long rest = range.length - done;
     unsigned long long count = CopyFromCache(cache.get(), buffer + done, offset, rest);
-    if (count == 0) count = CopyFromFile(cache.get(), buffer + done, offset, rest);
+    if (count == 0) count = CopyFromFile(cache.get(), cache.AddMissing(BlockBase(offset)), buffer + done, offset, rest);
     if (count == 0) return 0;
     done += count;
     m_position = static_cast<long long>(range.location + done);
@@ -148,17 +150,16 @@ unsigned long long CacheFileStream::CopyFromCache(FBCMemoryCache* cache, unsigne
   const _FBCMemoryCacheItem* block = cache->cacheItemAtFileOffset(BlockBase(offset), true);
   if (block == nullptr) return 0;
   const unsigned long long count = ChunkLength(offset, length);
-  std::memcpy(buffer, block->buffer + InBlock(offset), count);
+  CopyBytes(buffer, block->buffer + InBlock(offset), count);
   return count;
 }
 
-// With the cache's lock held. A block stays cached only if it is valid up to the length that the file had when it was
-// opened; beyond that it is zero. A block that ends earlier, because the file shrank, serves this request if it can,
-// and is given back.
-unsigned long long CacheFileStream::CopyFromFile(FBCMemoryCache* cache, unsigned char* buffer,
+// Fills `block`, which the cache has just handed out. With the cache's lock held. A block stays cached only if it is
+// valid up to the length that the file had when it was opened; beyond that it is zero. A block that ends earlier,
+// because the file shrank, serves this request if it can, and is given back.
+unsigned long long CacheFileStream::CopyFromFile(FBCMemoryCache* cache, unsigned char* block, unsigned char* buffer,
                                                  unsigned long long offset, unsigned long long length) {
   const unsigned long long base = BlockBase(offset);
-  unsigned char* block = cache->addCache(base);
   if (block == nullptr) return 0;
   const unsigned long long wanted = std::min(kBlockSize, Length() - base);
   const unsigned long long held = std::min(wanted, ReadFromFileSub(base, kBlockSize, block));

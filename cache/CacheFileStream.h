@@ -65,8 +65,8 @@ class CLIPPARSER_EXPORT CacheFileStream : public OxStream, public IMemoryCacheMa
   LentCache LockCacheInUse() const;
   unsigned long long CopyFromCache(FBCMemoryCache* cache, unsigned char* buffer, unsigned long long offset,
                                    unsigned long long length) const;
-  unsigned long long CopyFromFile(FBCMemoryCache* cache, unsigned char* buffer, unsigned long long offset,
-                                  unsigned long long length);
+  unsigned long long CopyFromFile(FBCMemoryCache* cache, unsigned char* block, unsigned char* buffer,
+                                  unsigned long long offset, unsigned long long length);
 
   OxRecursiveLock m_lock;
   ReadOnlyFile m_file;

@@ -5,8 +5,18 @@
 #include <iterator>
 #include <new>
 
-#include "foundation/OxAutoLock.h"
+#include "cache/UseClock.h"
 #include "foundation/Status.h"
+
+namespace {
+
+constexpr std::align_val_t kPageAlignment{4096};
+
+}  // namespace
+
+void FBCMemoryCache::FreeBuffer::operator()(unsigned char* buffer) const {
+  ::operator delete[](buffer, kPageAlignment);
+}
 
 FBCMemoryCache::FBCMemoryCache() = default;
 
@@ -18,23 +28,24 @@ FBCMemoryCache* FBCMemoryCache::Create() {
 }
 
 unsigned int FBCMemoryCache::Init() {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   m_used.clear();
   m_free.clear();
-  m_buffer.reset(new (std::nothrow) unsigned char[kBufferSize]);  // not zeroed: untouched pages cost no memory
+  m_buffer.reset(
+      new (kPageAlignment, std::nothrow) unsigned char[kBufferSize]);  // not zeroed: untouched pages cost nothing
   if (!m_buffer) std::terminate();
   try {
-    for (unsigned long long start = 0; start < kBufferSize; start += kBlockSize) {
-      m_free.push_back({0, m_buffer.get() + start});
-    }
+    m_used.reserve(kBlockCount);
+    m_free.reserve(kBlockCount);
   } catch (const std::bad_alloc&) {
     return kStatusNoMemory;
   }
+  for (unsigned long long i = 0; i < kBlockCount; ++i) m_free.push_back({0, m_buffer.get() + i * kBlockSize});
   return kStatusOK;
 }
 
 unsigned char* FBCMemoryCache::GetMemoryBufferAtFileOffset(unsigned long long offset) {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   const _FBCMemoryCacheItem* item = cacheItemAtFileOffset(offset, true);
   return item != nullptr ? item->buffer : nullptr;
 }
@@ -42,34 +53,43 @@ unsigned char* FBCMemoryCache::GetMemoryBufferAtFileOffset(unsigned long long of
 _FBCMemoryCacheItem* FBCMemoryCache::cacheItemAtFileOffset(unsigned long long offset, bool moveToFront) {
   const auto item = Find(offset);
   if (item == m_used.end()) return nullptr;
-  if (moveToFront) m_used.splice(m_used.begin(), m_used, item);
-  return &*item;
+  return moveToFront ? MoveToFront(item) : &*item;
 }
 
 unsigned char* FBCMemoryCache::addCache(unsigned long long offset) {
-  OxAutoLock guard(&m_lock);
-  if (const _FBCMemoryCacheItem* item = cacheItemAtFileOffset(offset, true)) return item->buffer;
-  ItemList& source = m_free.empty() ? m_used : m_free;
-  if (source.empty()) return nullptr;
-  m_used.splice(m_used.begin(), source, std::prev(source.end()));
-  m_used.front().fileOffset = offset;
-  return m_used.front().buffer;
+  const OxRecursiveLock::Hold hold(m_lock);
+  const _FBCMemoryCacheItem* item = cacheItemAtFileOffset(offset, true);
+  return item != nullptr ? item->buffer : AddMissing(offset);
+}
+
+unsigned char* FBCMemoryCache::AddMissing(unsigned long long offset) {
+  if (!m_free.empty()) {
+    m_used.push_back(m_free.back());
+    m_free.pop_back();
+  }
+  if (m_used.empty()) return nullptr;
+  _FBCMemoryCacheItem* item = MoveToFront(std::prev(m_used.end()));
+  item->fileOffset = offset;
+  return item->buffer;
 }
 
 void FBCMemoryCache::delCache(unsigned long long offset) {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   const auto item = Find(offset);
-  if (item != m_used.end()) m_free.splice(m_free.end(), m_used, item);
+  if (item == m_used.end()) return;
+  m_free.push_back(*item);
+  m_used.erase(item);
 }
 
 unsigned int FBCMemoryCache::cleanCache() {
-  OxAutoLock guard(&m_lock);
-  while (!m_used.empty()) m_free.splice(m_free.end(), m_used, std::prev(m_used.end()));
+  const OxRecursiveLock::Hold hold(m_lock);
+  m_free.insert(m_free.end(), m_used.rbegin(), m_used.rend());
+  m_used.clear();
   return kStatusOK;
 }
 
 unsigned long FBCMemoryCache::BlockCount() {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   return m_used.size() + m_free.size();
 }
 
@@ -78,8 +98,19 @@ FBCMemoryCache::ItemList::iterator FBCMemoryCache::Find(unsigned long long offse
                       [offset](const _FBCMemoryCacheItem& item) { return item.fileOffset == offset; });
 }
 
+_FBCMemoryCacheItem* FBCMemoryCache::MoveToFront(ItemList::iterator item) {
+  if (item != m_used.begin()) {
+    const _FBCMemoryCacheItem moved = *item;
+    std::move_backward(m_used.begin(), item, std::next(item));
+    m_used.front() = moved;
+  }
+  return &m_used.front();
+}
+
+void FBCMemoryCache::NoteUse() { m_lastUse.store(UseTime(), std::memory_order_relaxed); }
+
 void FBCMemoryCache::LendTo(IMemoryCacheManagerAccess* holder) {
-  OxAutoLock guard(&m_lock);
+  const OxRecursiveLock::Hold hold(m_lock);
   cleanCache();
   m_holder = holder;
 }
@@ -92,6 +123,7 @@ bool FBCMemoryCache::TryLendTo(IMemoryCacheManagerAccess* holder) {
 }
 
 void FBCMemoryCache::TryDiscard() {
+  m_isDiscarded.store(true, std::memory_order_relaxed);
   if (!m_lock.TryLock()) return;
   m_holder = nullptr;
   m_used.clear();

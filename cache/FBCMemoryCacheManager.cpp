@@ -1,6 +1,7 @@
 #include "cache/FBCMemoryCacheManager.h"
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
 #include <new>
 #include <utility>
@@ -84,7 +85,7 @@ _FBCMemoryCacheManagerItem* FBCMemoryCacheManager::cacheItemAtAccessPtr(IMemoryC
   if (item == m_used.end()) return nullptr;
   if (moveToFront) {
     m_used.splice(m_used.begin(), m_used, item);
-    NoteMostRecentUser();
+    item->cache->NoteUse();
   }
   return &*item;
 }
@@ -95,7 +96,6 @@ unsigned int FBCMemoryCacheManager::removeCache(IMemoryCacheManagerAccess* acces
   if (const _FBCMemoryCacheManagerItem* item = cacheItemAtAccessPtr(access, true)) {
     item->cache->TakeBack();
     m_free.splice(m_free.end(), m_used, m_used.begin());
-    NoteMostRecentUser();
   }
   return kStatusOK;
 }
@@ -124,11 +124,6 @@ bool FBCMemoryCacheManager::LendForRead(IMemoryCacheManagerAccess* access, LentC
   return true;
 }
 
-bool FBCMemoryCacheManager::IsMostRecentUser(const IMemoryCacheManagerAccess* access) {
-  const FBCMemoryCacheManager* manager = ExistingInstance();
-  return manager != nullptr && manager->m_mostRecentUser.load(std::memory_order_relaxed) == access;
-}
-
 LentCache FBCMemoryCacheManager::Lend(IMemoryCacheManagerAccess* access) {
   Registration registration;
   LentCache lent;
@@ -153,7 +148,7 @@ FBCMemoryCacheManager::Registration FBCMemoryCacheManager::Register(IMemoryCache
     m_used.splice(m_used.begin(), m_used, TakeFromLeastRecentUser(access));
   }
   m_used.front().access = access;
-  NoteMostRecentUser();
+  m_used.front().cache->NoteUse();
   registration.cache = m_used.front().owner;
   return registration;
 }
@@ -162,6 +157,7 @@ FBCMemoryCacheManager::Registration FBCMemoryCacheManager::Register(IMemoryCache
 // With one thread it is always the last of the list.
 FBCMemoryCacheManager::ItemList::iterator FBCMemoryCacheManager::TakeFromLeastRecentUser(
     IMemoryCacheManagerAccess* access) {
+  OrderByUse();
   for (auto item = m_used.end(); item != m_used.begin();) {
     --item;
     if (item->cache->TryLendTo(access)) return item;
@@ -170,8 +166,11 @@ FBCMemoryCacheManager::ItemList::iterator FBCMemoryCacheManager::TakeFromLeastRe
   return std::prev(m_used.end());
 }
 
-void FBCMemoryCacheManager::NoteMostRecentUser() {
-  m_mostRecentUser.store(m_used.empty() ? nullptr : m_used.front().access, std::memory_order_relaxed);
+// The times are taken down first: reads that are going on change them.
+void FBCMemoryCacheManager::OrderByUse() {
+  for (_FBCMemoryCacheManagerItem& item : m_used) item.lastUse = item.cache->LastUse();
+  m_used.sort(
+      [](const _FBCMemoryCacheManagerItem& a, const _FBCMemoryCacheManagerItem& b) { return a.lastUse > b.lastUse; });
 }
 
 void FBCMemoryCacheManager::Tell(IMemoryCacheManagerAccess* access, FBCMemoryCache* cache, bool isTakenAway) {
@@ -184,5 +183,4 @@ void FBCMemoryCacheManager::DestroyPool() {
   for (ItemList* list : {&m_free, &m_used}) {
     for (; !list->empty(); list->pop_back()) list->back().cache->TryDiscard();
   }
-  NoteMostRecentUser();
 }

@@ -1,7 +1,6 @@
 #ifndef CLIPPARSER_CACHE_FBCMEMORYCACHEMANAGER_H
 #define CLIPPARSER_CACHE_FBCMEMORYCACHEMANAGER_H
 
-#include <atomic>
 #include <list>
 
 #include "cache/FBCMemoryCache.h"
@@ -18,10 +17,14 @@ struct _FBCMemoryCacheManagerItem {
   IMemoryCacheManagerAccess* access;  // who holds the cache; null until it is first lent, stale while it is free
   FBCMemoryCache* cache;
   OxSharedPtr<FBCMemoryCache> owner;  // of the cache, together with the stream that holds it
+  unsigned long long lastUse = 0;     // of the cache, when the used list was last put in order
 };
 
 // The process-wide pool: ten caches of 4 MiB, lent to the streams that read, one to each at most. When all are lent,
 // the stream that used its cache least recently loses it, and is not told: its own next read registers it again.
+//
+// A read through a cache that the stream still holds does not come here. It notes the time of use in the cache, and the
+// used list is put in that order when a cache must be taken away.
 //
 // Threads: everything here may be called from any thread at any time, cacheItemAtAccessPtr excepted. The locks, each
 // recursive, are taken in this order only:
@@ -84,24 +87,19 @@ class CLIPPARSER_EXPORT FBCMemoryCacheManager : public OxObject {
   // For a stream's read, which holds the stream's lock: as UpdateMemoryCache, and leaves the cache, locked, in `lent`;
   // none there means that the pool has no caches. False when there is no pool and none can be made.
   static bool LendForRead(IMemoryCacheManagerAccess* access, LentCache& lent);
-  // Whether `access` was the last to use a cache of the pool: UpdateMemoryCache would change nothing.
-  static bool IsMostRecentUser(const IMemoryCacheManagerAccess* access);
 
   LentCache Lend(IMemoryCacheManagerAccess* access);
   Registration Register(IMemoryCacheManagerAccess* access);  // with the manager's lock held
   // With the manager's lock held and every cache lent; the cache that is now lent to `access`.
   ItemList::iterator TakeFromLeastRecentUser(IMemoryCacheManagerAccess* access);
-  void NoteMostRecentUser();  // with the manager's lock held, after each change of the used list's front
+  void OrderByUse();  // with the manager's lock held
   static void Tell(IMemoryCacheManagerAccess* access, FBCMemoryCache* cache, bool isTakenAway);
   void DestroyPool();
 
   OxRecursiveLock m_lock;
   // Every cache is in exactly one of the two lists.
-  ItemList m_used;  // lent, most recently used first
+  ItemList m_used;  // lent; most recently used first once OrderByUse has been called
   ItemList m_free;  // taken from and returned to its back
-  // Who holds the front of the used list. Read without a lock, for the order of use only: a reader learns from the
-  // cache itself, under its lock, whether it still holds it.
-  std::atomic<const IMemoryCacheManagerAccess*> m_mostRecentUser{nullptr};
 };
 
 #endif  // CLIPPARSER_CACHE_FBCMEMORYCACHEMANAGER_H

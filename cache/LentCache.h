@@ -25,6 +25,11 @@ class LentCache {
   FBCMemoryCache* get() const { return m_cache; }
   explicit operator bool() const { return m_cache != nullptr; }
 
+  // Notes that the holder uses the cache now: all that registering it with the manager again would change.
+  void NoteUse() const { m_cache->NoteUse(); }
+  // As FBCMemoryCache::addCache, for an offset that no block holds.
+  unsigned char* AddMissing(unsigned long long offset) const { return m_cache->AddMissing(offset); }
+
  private:
   FBCMemoryCache* m_cache = nullptr;
 };

@@ -59,6 +59,19 @@ TEST_F(CacheThreadsTest, ACacheThatIsBeingReadThroughIsNotTakenWhileAnotherIsIdl
   });
 }
 
+TEST_F(CacheThreadsTest, TheOrderOfUseHoldsAcrossThreads) {
+  TestDisk disk;
+  disk.beforePread = [] {};
+  const auto read = [this](unsigned int i) {  // each on a thread of its own, one after the other
+    std::thread([&] { EXPECT_EQ(4, ReadPattern(*streams[i], i, 4, 0)); }).join();
+  };
+  for (const unsigned int i : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 1u, 0u, 3u}) read(i);
+  EXPECT_EQ(10, disk.preads);
+  for (const unsigned int newcomer : {10u, 11u, 12u}) read(newcomer);  // take the caches of 2, 4 and 5
+  for (const unsigned int i : {0u, 1u, 3u, 6u, 7u, 8u, 9u}) read(i);
+  EXPECT_EQ(13, disk.preads);
+}
+
 TEST_F(CacheThreadsTest, ManyReadersOfManyStreamsNeverSeeAnotherByte) {
   const char* given = std::getenv("CACHE_TEST_SEED");
   const unsigned long seed = given != nullptr ? std::strtoul(given, nullptr, 10) : std::random_device{}();
