@@ -1,6 +1,7 @@
 #include "klv/IndexTableSegment.h"
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 
 #include "foundation/BigEndian.h"
@@ -32,6 +33,8 @@ constexpr std::size_t kSliceOffsets = 3 + 8;
 constexpr unsigned int kSliceOffsetSize = 4;
 constexpr unsigned int kPosTableSize = 8;
 
+std::atomic<unsigned long long> s_watchedChanges{0};
+
 }  // namespace
 
 // Reads an item of the local set from its start. The item must hold at least the bytes of the type; longer is fine.
@@ -57,7 +60,19 @@ IndexTableSegment::IndexTableSegment(OxSharedPtr<KLVPacket> packet) : KLVPacket(
 
 IndexTableSegment::~IndexTableSegment() = default;
 
+IndexTableSegment::ChangeWatch& IndexTableSegment::ChangeWatch::operator=(const ChangeWatch&) noexcept {
+  Note();
+  return *this;
+}
+
+void IndexTableSegment::ChangeWatch::Note() const noexcept {
+  if (isOn) ++s_watchedChanges;
+}
+
+unsigned long long IndexTableSegment::WatchedChanges() { return s_watchedChanges; }
+
 void IndexTableSegment::init() {
+  m_watch.Note();
   m_indexEditRate = {};
   m_indexStartPosition = 0;
   m_indexDuration = 0;

@@ -75,11 +75,27 @@ class CLIPPARSER_EXPORT IndexTableSegment : public KLVPacket {
   // there is element 0 alone. False as above, and for an element that does not exist.
   [[nodiscard]] bool GetStreamOffset(long long editUnit, unsigned int element, unsigned long long& offset) const;
 
+  // For those who remember what a segment covers: from the first call on, changes of this segment are counted.
+  void Watch() { m_watch.isOn = true; }
+  // How often a segment that is watched was emptied, imported or assigned to, in the whole process.
+  [[nodiscard]] static unsigned long long WatchedChanges();
+
   // One line for each edit unit between braces: UNIT(n) = T:temporal K:key-frame F:flags O:offset of each element.
   OxSharedPtr<OxStringMac> Description() override;
 
  private:
   class ItemReader;
+
+  // Whether changes of the segment are counted. Stays with the segment: a copy is not watched.
+  struct ChangeWatch {
+    ChangeWatch() = default;
+    ChangeWatch(const ChangeWatch&) noexcept {}
+    ChangeWatch& operator=(const ChangeWatch& other) noexcept;
+    ~ChangeWatch() = default;
+    void Note() const noexcept;
+
+    bool isOn = false;
+  };
 
   unsigned int ImportItems(OxSharedPtr<LocalSets> localSets);
   bool ReadNumbers(ItemReader& items);
@@ -99,6 +115,7 @@ class CLIPPARSER_EXPORT IndexTableSegment : public KLVPacket {
   unsigned char m_sliceCount = 0;
   unsigned char m_posTableCount = 0;
   std::vector<_DeltaEntry> m_deltaEntries;
+  ChangeWatch m_watch;
   unsigned int m_indexEntrySize = 0;
   OxSharedPtr<OxMemoryStream> m_indexEntries;  // the entries as stored, each m_indexEntrySize bytes
 };

@@ -1,8 +1,10 @@
 #include "stream/BodyPartitionArray.h"
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "foundation/FormatText.h"
 
@@ -10,16 +12,38 @@ namespace {
 
 _BodyPartitionInfo NewPartition(unsigned long long fileOffset) { return {kBodyPartitionExists, fileOffset, 0, 0, {}}; }
 
-// The number of the segment that would hold an edit unit if all were as long as the first. None where the division is
-// undefined or the number cannot be a segment's.
-std::optional<unsigned int> SegmentNumberFor(long long editUnit, const IndexTableSegment& first) {
-  long long distance = 0;
-  if (__builtin_sub_overflow(editUnit, first.IndexStartPosition(), &distance)) return std::nullopt;
+// a + b, held to what 64 bits hold.
+long long SaturatingSum(long long a, long long b) {
+  long long sum = 0;
+  if (!__builtin_add_overflow(a, b, &sum)) return sum;
+  return b > 0 ? std::numeric_limits<long long>::max() : std::numeric_limits<long long>::min();
+}
+
+// The edit units [first, last].
+struct Units {
+  long long first;
+  long long last;
+};
+
+// The edit units that a segment answers for: those it covers whose distance from the start of the partition's first
+// segment, divided by that one's duration towards zero, is the segment's number. None when there is no such unit, or
+// the division is undefined or cannot be done in 64 bits.
+std::optional<Units> UnitsOf(const IndexTableSegment& first, unsigned int number, const IndexTableSegment& segment) {
   const long long length = first.IndexDuration();
-  if (length == 0 || (length == -1 && distance == std::numeric_limits<long long>::min())) return std::nullopt;
-  const long long number = distance / length;
-  if (number < 0 || number > std::numeric_limits<unsigned int>::max()) return std::nullopt;
-  return static_cast<unsigned int>(number);
+  const long long start = segment.IndexStartPosition();
+  if (length == 0 || segment.IndexDuration() <= 0 || start == BodyPartitionArray::kNoEditUnit) return std::nullopt;
+  long long nearest = 0;  // distance; negative like the length
+  long long unit = 0;
+  if (__builtin_mul_overflow(length, number, &nearest) ||
+      __builtin_add_overflow(first.IndexStartPosition(), nearest, &unit)) {
+    return std::nullopt;
+  }
+  const long long farthest = SaturatingSum(nearest, length > 0 ? length - 1 : length + 1);
+  const auto [low, high] = std::minmax(nearest, farthest);
+  const Units units = {
+      std::max(start, SaturatingSum(first.IndexStartPosition(), low)),
+      std::min(SaturatingSum(start, segment.IndexDuration() - 1), SaturatingSum(first.IndexStartPosition(), high))};
+  return units.first <= units.last ? std::optional(units) : std::nullopt;
 }
 
 }  // namespace
@@ -28,9 +52,15 @@ BodyPartitionArray::BodyPartitionArray() = default;
 
 BodyPartitionArray::~BodyPartitionArray() = default;
 
-void BodyPartitionArray::Clear() { m_partitions.clear(); }
+void BodyPartitionArray::Clear() {
+  m_partitions.clear();
+  m_map.Clear();
+}
 
-void BodyPartitionArray::AddFront(unsigned long long fileOffset) { m_partitions.push_front(NewPartition(fileOffset)); }
+void BodyPartitionArray::AddFront(unsigned long long fileOffset) {
+  m_partitions.push_front(NewPartition(fileOffset));
+  m_map.AddFrontEntry();
+}
 
 void BodyPartitionArray::AddBack(unsigned long long fileOffset) { m_partitions.push_back(NewPartition(fileOffset)); }
 
@@ -62,7 +92,33 @@ unsigned int BodyPartitionArray::SetIndexTableSegment(unsigned int index, unsign
   _BodyPartitionInfo& partition = m_partitions[index];
   if (!partition.segments.emplace(segmentNumber, segment).second) return kStatusRefused;
   partition.infoFlag |= kBodyPartitionHasIndex;
+  segment->Watch();
+  if (m_mappedChanges == IndexTableSegment::WatchedChanges()) MapSegments(index, segmentNumber);
   return kStatusOK;
+}
+
+// Maps a segment that was attached or, when it is the first, all of its partition: it decides where the others count.
+void BodyPartitionArray::MapSegments(unsigned int index, unsigned int segmentNumber) const {
+  const auto& segments = m_partitions[index].segments;
+  const auto first = segments.find(0);
+  if (first == segments.end()) return;
+  const unsigned long long changes = std::exchange(m_mappedChanges, kNotMapped);  // until all is done
+  for (auto i = segments.find(segmentNumber); i != segments.end(); ++i) {
+    const std::optional<Units> units = UnitsOf(*first->second, i->first, *i->second);
+    if (units) m_map.Add(units->first, units->last, index, i->first, i->second.get());
+    if (segmentNumber != 0) break;
+  }
+  m_mappedChanges = changes;
+}
+
+const EditUnitMap& BodyPartitionArray::Map() const {
+  const unsigned long long changes = IndexTableSegment::WatchedChanges();
+  if (m_mappedChanges == changes) return m_map;
+  m_mappedChanges = kNotMapped;
+  m_map.Clear();
+  for (unsigned int i = 0; i < m_partitions.size(); ++i) MapSegments(i, 0);
+  m_mappedChanges = changes;
+  return m_map;
 }
 
 const _BodyPartitionInfo* BodyPartitionArray::PartitionAt(unsigned int index) const {
@@ -109,28 +165,21 @@ std::pair<long long, long long> BodyPartitionArray::EditUnitRangeAtIndex(unsigne
 
 bool BodyPartitionArray::GetContainIndexTableSegment(long long editUnit, unsigned int& index,
                                                      unsigned int& segmentNumber) const {
-  for (unsigned int i = 0; i < m_partitions.size(); ++i) {
-    const auto& segments = m_partitions[i].segments;
-    const auto first = segments.find(0);
-    if (first == segments.end()) continue;
-    const std::optional<unsigned int> number = SegmentNumberFor(editUnit, *first->second);
-    const auto segment = number ? segments.find(*number) : segments.end();
-    if (segment == segments.end() || segment->second->IndexStartPosition() == kNoEditUnit) continue;
-    if (!segment->second->isContainIndex(editUnit)) continue;
-    index = i;
-    segmentNumber = *number;
-    return true;
-  }
-  return false;
+  const EditUnitMap& map = Map();
+  const EditUnitMap::Piece* piece = map.Find(editUnit);
+  if (piece == nullptr) return false;
+  index = map.IndexOf(*piece);
+  segmentNumber = piece->number;
+  return true;
 }
 
 BodyPartitionArray::Place BodyPartitionArray::PlaceOf(long long editUnit) const {
-  unsigned int index = 0;
-  unsigned int segmentNumber = 0;
-  if (!GetContainIndexTableSegment(editUnit, index, segmentNumber)) return {};
-  const _BodyPartitionInfo& partition = m_partitions[index];
+  const EditUnitMap& map = Map();
+  const EditUnitMap::Piece* piece = map.Find(editUnit);
+  if (piece == nullptr) return {};
+  const _BodyPartitionInfo& partition = m_partitions[map.IndexOf(*piece)];
   if (partition.infoFlag != kBodyPartitionComplete) return {};
-  return {&partition, partition.segments.at(segmentNumber).get()};
+  return {&partition, piece->segment};
 }
 
 bool BodyPartitionArray::GetTemporalOffset(long long editUnit, signed char& offset) const {

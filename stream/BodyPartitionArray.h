@@ -8,6 +8,7 @@
 #include "klv/IndexTableSegment.h"
 #include "klv/PartitionPack.h"
 #include "klv/RandomIndexPack.h"
+#include "stream/EditUnitMap.h"
 
 // The body SID under which the cameras write their essence; partitions of other streams are not taken up.
 constexpr unsigned int kEssenceBodySID = 2;
@@ -100,8 +101,16 @@ class CLIPPARSER_EXPORT BodyPartitionArray : public OxObject {
 
   [[nodiscard]] const _BodyPartitionInfo* PartitionAt(unsigned int index) const;
   [[nodiscard]] Place PlaceOf(long long editUnit) const;
+  void MapSegments(unsigned int index, unsigned int segmentNumber) const;
+  // The map as it should be.
+  [[nodiscard]] const EditUnitMap& Map() const;
+
+  static constexpr unsigned long long kNotMapped = ~0ULL;
 
   std::deque<_BodyPartitionInfo> m_partitions;  // grows at either end
+  // Made anew from the partitions when an attached segment was changed, though only a host that reuses one does that.
+  mutable EditUnitMap m_map;
+  mutable unsigned long long m_mappedChanges = IndexTableSegment::WatchedChanges();  // when the map was made
   unsigned long long m_segmentByteCount = 0;
 };
 
