@@ -57,6 +57,7 @@ Element Clip::ElementAt(unsigned long long offset) {
   element.isRead = m_reader.SetOffset(static_cast<long long>(offset), kOxStreamSeekFromStart) &&
                    m_reader.ReadKeyAndLength(&packet) == PacketHead::Read;
   if (!element.isRead) return element;
+  element.key = packet.key();
   element.type = packet.PacketType();
   element.size = packet.Length();
   element.next = packet.NextOffset();

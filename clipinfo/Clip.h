@@ -24,9 +24,10 @@ struct Element {
   bool isFound = false;           // otherwise nothing else counts: the index does not tell where it lies
   bool isRead = false;            // otherwise only the offset counts: no whole packet lies there
   unsigned long long offset = 0;  // of the key
-  unsigned int type = 0;          // of the key, see KeyType
-  unsigned long long size = 0;    // of the value
-  unsigned long long next = 0;    // where the next packet begins
+  MxfUUID key;
+  unsigned int type = 0;        // of the key, see KeyType
+  unsigned long long size = 0;  // of the value
+  unsigned long long next = 0;  // where the next packet begins
 };
 
 // A clip that a command works on: opened, or refused with the reason.

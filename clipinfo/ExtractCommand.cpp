@@ -1,105 +1,140 @@
-#include <limits>
+#include <filesystem>
+#include <iostream>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "clipinfo/Clip.h"
 #include "clipinfo/Commands.h"
+#include "clipinfo/ElementKind.h"
+#include "clipinfo/ElementReader.h"
 #include "clipinfo/Faults.h"
 #include "clipinfo/OutputFile.h"
 #include "clipinfo/Progress.h"
+#include "clipinfo/Text.h"
+#include "clipinfo/WaveFile.h"
 
 namespace {
 
 struct ExtractOptions {
   std::string path;
   unsigned int element = 0;
+  bool isAll = false;
+  bool isWave = false;
   std::string range;
-  std::string output;  // a path, or - for the standard output
+  std::string output;  // a file, or - for the standard output; a directory for all elements
 };
 
-constexpr unsigned long long kNoLocation = 0x7FFFFFFFFFFFFFFF;  // what RangeEssenceData says on failure
-
-[[noreturn]] void FailAt(unsigned int editUnit, const std::string& reason) {
-  throw CommandError("edit unit " + std::to_string(editUnit) + ": " + reason);
-}
-
-class Extractor {
+// Where one element goes, from the first edit unit to the last.
+class ElementOutput {
  public:
-  Extractor(Clip& clip, unsigned int element) : m_clip(clip), m_element(element) {}
+  ElementOutput(Clip& clip, const ElementPlace& place, const std::string& path, const ExtractOptions& options)
+      : m_reader(clip, place.index), m_file(path, options.path) {
+    if (!options.isWave) return;
+    // Edit units of sound differ by a sample or so (1601 and 1602 at 29.97 per second).
+    const EditUnits units = clip.ParseRange(options.range);
+    const bool isLong = place.size + place.size / 100 > WaveFile::kMostPlain / (units.end - units.begin);
+    m_wave.emplace(m_file, SoundFormatOf(clip, place), isLong);
+  }
 
-  // The element's bytes of an edit unit, valid until the next call. None is an answer; failures throw.
-  const std::vector<unsigned char>& Read(unsigned int editUnit) {
-    const unsigned long long size = SizeOf(editUnit);
-    if (size > std::numeric_limits<unsigned int>::max()) FailAt(editUnit, "the element is too large");
-    m_bytes.resize(size);
-    if (size == 0) return m_bytes;
-    const auto wanted = static_cast<unsigned int>(size);
-    if (m_clip.Stream().ReadEssenceData(editUnit, m_element, m_bytes.data(), wanted) != wanted) {
-      FailAt(editUnit, "the element cannot be read");
+  // Returns the number of bytes.
+  unsigned long long Copy(unsigned int editUnit) {
+    const std::vector<unsigned char>& bytes = m_reader.Read(editUnit);
+    try {
+      Write(bytes);
+    } catch (const CommandError& error) {
+      throw CommandError("edit unit " + std::to_string(editUnit) + ": " + error.what());
     }
-    return m_bytes;
+    return bytes.size();
+  }
+  void Finish() {
+    if (m_wave) m_wave->Close();
+    m_file.Finish();
   }
 
  private:
-  [[nodiscard]] unsigned long long SizeOf(unsigned int editUnit) {
-    const _OxRange range = m_clip.Stream().RangeEssenceData(editUnit, m_element);
-    return range.location != kNoLocation ? range.length : SystemItemSize(editUnit);
+  void Write(const std::vector<unsigned char>& bytes) {
+    if (m_wave) {
+      m_wave->Write(bytes);
+    } else {
+      m_file.Write(bytes.data(), bytes.size());
+    }
   }
 
-  // The system metadata pack and the package metadata set that may follow it: they are read as one.
-  [[nodiscard]] unsigned long long SystemItemSize(unsigned int editUnit) {
-    unsigned long long offset = 0;
-    if (m_clip.Stream().GetEssenceOffset(editUnit, m_element, offset) != kStatusOK) FailAt(editUnit, Reason(editUnit));
-    const Element pack = m_clip.ElementAt(offset);
-    if (!pack.isRead) FailAt(editUnit, "the element is not whole in the file");
-    if (pack.type != kKeySystemMetadataPack) FailAt(editUnit, "the element is neither essence nor a system item");
-    const Element set = m_clip.ElementAt(pack.next);
-    return set.isRead && set.type == kKeySystemItemLocalSet ? pack.size + set.size : pack.size;
-  }
-
-  [[nodiscard]] std::string Reason(unsigned int editUnit) {
-    const unsigned int count = m_clip.ElementCount(editUnit);
-    if (count == 0) return m_clip.NoIndexText();
-    return "no element " + std::to_string(m_element) + ", the index has " + std::to_string(count);
-  }
-
-  Clip& m_clip;
-  unsigned int m_element;
-  std::vector<unsigned char> m_bytes;
+  ElementReader m_reader;
+  OutputFile m_file;
+  std::optional<WaveFile> m_wave;
 };
+using ElementOutputs = std::vector<std::unique_ptr<ElementOutput>>;
+
+void MakeDirectory(const std::string& path) {
+  std::error_code error;
+  std::filesystem::create_directory(path, error);
+  if (!std::filesystem::is_directory(path)) throw CommandError(Escaped(path) + ": cannot be made a directory");
+}
+
+// Everything that can be refused is, before the first byte is written.
+ElementOutputs OpenAll(Clip& clip, const std::vector<ElementPlace>& places, const ExtractOptions& options) {
+  MakeDirectory(options.output);
+  ElementOutputs outputs;
+  for (const ElementPlace& place : places) {
+    ExtractOptions own = options;
+    own.isWave = options.isWave && place.kind.isPCM;
+    const std::filesystem::path path = std::filesystem::path(options.output) / FileNameOf(place, own.isWave);
+    outputs.push_back(std::make_unique<ElementOutput>(clip, place, path.string(), own));
+  }
+  return outputs;
+}
+
+ElementOutputs Open(Clip& clip, const ExtractOptions& options, unsigned int firstUnit) {
+  const std::vector<ElementPlace> places = ElementsAt(clip, firstUnit);
+  if (options.isAll) return OpenAll(clip, places, options);
+  if (options.element >= places.size()) {
+    throw CommandError("edit unit " + std::to_string(firstUnit) + ": no element " + std::to_string(options.element) +
+                       ", the index has " + std::to_string(places.size()));
+  }
+  ElementOutputs outputs;
+  outputs.push_back(std::make_unique<ElementOutput>(clip, places[options.element], options.output, options));
+  return outputs;
+}
 
 // After a fault no output file is left behind.
-void ExtractElement(const ExtractOptions& options) {
+void Extract(const ExtractOptions& options) {
   Clip clip(options.path);
   const EditUnits units = clip.ParseRange(options.range);
-  Extractor extractor(clip, options.element);
-  OutputFile output(options.output, options.path);
+  const ElementOutputs outputs = Open(clip, options, static_cast<unsigned int>(units.begin));
   Progress progress(units.end - units.begin);
   for (unsigned long long i = units.begin; i < units.end; ++i) {
-    const auto editUnit = static_cast<unsigned int>(i);
-    const std::vector<unsigned char>& bytes = extractor.Read(editUnit);
-    try {
-      output.Write(bytes.data(), bytes.size());
-    } catch (const CommandError& error) {
-      FailAt(editUnit, error.what());
-    }
-    progress.Step(bytes.size());
+    unsigned long long bytes = 0;
+    for (const auto& output : outputs) bytes += output->Copy(static_cast<unsigned int>(i));
+    progress.Step(bytes);
   }
-  output.Finish();
+  for (const auto& output : outputs) output->Finish();
 }
+
+constexpr const char* kExamples = R"(Examples:
+  clipinfo extract A.MXF --element 1 -o picture.m2v
+  clipinfo extract A.MXF --element 2 --wav -o sound.wav
+  clipinfo extract A.MXF --all --wav -o A.d     system.bin, picture-1.m2v, sound-1.wav, sound-2.wav ...
+  clipinfo extract A.MXF --element 2 --range 250: -o - | md5sum)";
 
 }  // namespace
 
 Runner DefineExtract(CLI::App& app) {
-  CLI::App* const extract = app.add_subcommand("extract", "Write the bytes of one element of each edit unit");
+  CLI::App* const extract = app.add_subcommand("extract", "Write the bytes of one element, or of all, to files");
   const auto options = std::make_shared<ExtractOptions>();
   extract->add_option("CLIP", options->path, "MXF file")->required()->type_name("");
-  extract->add_option("--element", options->element, "0 system item, 1 picture, then sound, then data")
-      ->required()
-      ->type_name("N");
+  CLI::Option_group* const which = extract->add_option_group("Elements");
+  which->add_option("--element", options->element, "0 system item, 1 picture, then sound, then data")->type_name("N");
+  which->add_flag("--all", options->isAll, "Every element, each in a file named by its kind and number");
+  which->require_option(1);
+  extract->add_flag("--wav", options->isWave, "Write PCM sound as wave files (RF64 beyond 4 GiB)");
   DefineRange(*extract, options->range);
-  extract->add_option("-o,--output", options->output, "File to write, - for the standard output")
+  extract
+      ->add_option("-o,--output", options->output,
+                   "File to write, - for the standard output; with --all a directory, made if need be")
       ->required()
-      ->type_name("FILE");
-  return [options] { return RunOnClip(options->path, [&] { ExtractElement(*options); }); };
+      ->type_name("PATH");
+  extract->footer(kExamples);
+  return [options] { return RunOnClip(options->path, [&] { Extract(*options); }); };
 }

@@ -72,13 +72,17 @@ OutputFile::~OutputFile() {
 
 void OutputFile::Write(const unsigned char* bytes, std::size_t count) {
   while (count > 0) {
-    if (g_isInterrupted != 0) throw CommandError(m_name + ": interrupted");
+    CheckInterrupt();
     const ssize_t written = ::write(m_descriptor, bytes, count);
     if (written < 0 && errno == EINTR) continue;
     if (written < 0) Fail();
     bytes += written;
     count -= static_cast<std::size_t>(written);
   }
+}
+
+void OutputFile::CheckInterrupt() const {
+  if (g_isInterrupted != 0) throw CommandError(m_name + ": interrupted");
 }
 
 void OutputFile::Finish() {

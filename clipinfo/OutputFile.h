@@ -14,6 +14,11 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   void Write(const unsigned char* bytes, std::size_t count);
+  // For a library that writes by itself: the open file, or -1 when it cannot be written but in order.
+  [[nodiscard]] int SeekableDescriptor() const { return m_partPath.empty() ? -1 : m_descriptor; }
+  // Throws when the program was told to end. Write does so by itself.
+  void CheckInterrupt() const;
+  [[nodiscard]] const std::string& Name() const { return m_name; }  // for messages
   // Everything is on the disk, under its name.
   void Finish();
 

@@ -104,6 +104,12 @@ std::string HexText(const unsigned char* bytes, std::size_t count) {
   return text;
 }
 
+std::string PlaceText(unsigned long long offset) {
+  std::ostringstream text;
+  text << " at offset 0x" << std::uppercase << std::hex << offset << " (" << std::dec << offset << ')';
+  return text.str();
+}
+
 std::string RationalText(const _Rational& value) {
   const std::string numerator = std::to_string(value.numerator);
   return value.denominator == 1 ? numerator : numerator + "/" + std::to_string(value.denominator);

@@ -26,6 +26,8 @@ constexpr const char* kUnreadable = "unreadable";
 [[nodiscard]] std::string ValueText(const OxSharedPtr<OxObject>& value);
 
 [[nodiscard]] std::string HexText(const unsigned char* bytes, std::size_t count);
+// " at offset 0x1A00 (6656)", to end a message.
+[[nodiscard]] std::string PlaceText(unsigned long long offset);
 [[nodiscard]] std::string RationalText(const _Rational& value);  // 16/9, or 25 when the denominator is 1
 [[nodiscard]] bool isDateSet(const _Timestamp& date);            // ST 377-1 writes zeros for a date that is not known
 [[nodiscard]] std::string DateText(const _Timestamp& date);
