@@ -1,5 +1,7 @@
 #include "tests/support/Allocations.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -7,16 +9,29 @@
 namespace {
 
 std::atomic<unsigned long long> s_count{0};
+std::atomic<unsigned long long> s_bytes{0};
+std::atomic<unsigned long long> s_mostBytes{0};
 
 }  // namespace
 
 unsigned long long AllocationCount() { return s_count; }
 
+AllocationPeak::AllocationPeak() : m_before(s_bytes) { s_mostBytes = m_before; }
+
+unsigned long long AllocationPeak::Bytes() const { return s_mostBytes - m_before; }
+
 // The other forms, for arrays and without exceptions, come down to these.
 void* operator new(std::size_t size) {
   ++s_count;
-  if (void* memory = std::malloc(size > 0 ? size : 1)) return memory;
-  throw std::bad_alloc();
+  void* memory = std::malloc(size > 0 ? size : 1);
+  if (memory == nullptr) throw std::bad_alloc();
+  const unsigned long long bytes = s_bytes += ::malloc_usable_size(memory);
+  for (unsigned long long most = s_mostBytes; bytes > most && !s_mostBytes.compare_exchange_weak(most, bytes);) {
+  }
+  return memory;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept {
+  s_bytes -= ::malloc_usable_size(memory);
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }
