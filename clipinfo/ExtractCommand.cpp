@@ -9,6 +9,7 @@
 #include "clipinfo/ElementKind.h"
 #include "clipinfo/ElementReader.h"
 #include "clipinfo/Faults.h"
+#include "clipinfo/Json.h"
 #include "clipinfo/OutputFile.h"
 #include "clipinfo/Progress.h"
 #include "clipinfo/Text.h"
@@ -21,6 +22,7 @@ struct ExtractOptions {
   unsigned int element = 0;
   bool isAll = false;
   bool isWave = false;
+  bool isJson = false;
   std::string range;
   std::string output;  // a file, or - for the standard output; a directory for all elements
 };
@@ -29,12 +31,13 @@ struct ExtractOptions {
 class ElementOutput {
  public:
   ElementOutput(Clip& clip, const ElementPlace& place, const std::string& path, const ExtractOptions& options)
-      : m_reader(clip, place.index), m_file(path, options.path) {
+      : m_place(place), m_path(path), m_reader(clip, place.index), m_file(path, options.path) {
     if (!options.isWave) return;
     // Edit units of sound differ by a sample or so (1601 and 1602 at 29.97 per second).
     const EditUnits units = clip.ParseRange(options.range);
     const bool isLong = place.size + place.size / 100 > WaveFile::kMostPlain / (units.end - units.begin);
-    m_wave.emplace(m_file, SoundFormatOf(clip, place), isLong);
+    m_format = SoundFormatOf(clip, place);
+    m_wave.emplace(m_file, *m_format, isLong);
   }
 
   // Returns the number of bytes.
@@ -45,11 +48,25 @@ class ElementOutput {
     } catch (const CommandError& error) {
       throw CommandError("edit unit " + std::to_string(editUnit) + ": " + error.what());
     }
+    m_bytes += bytes.size();
     return bytes.size();
   }
   void Finish() {
     if (m_wave) m_wave->Close();
     m_file.Finish();
+  }
+  [[nodiscard]] Json Document() const {
+    Json document = {
+        {"element", m_place.index}, {"kind", m_place.kind.name},
+        {"number", m_place.number}, {"key", HexText(m_place.key.Bytes().data(), m_place.key.Bytes().size())},
+        {"file", m_path},           {"bytes", NumberJson(m_bytes)},
+        {"wave", nullptr}};
+    if (m_format) {
+      document["wave"] = {{"channels", m_format->channels},
+                          {"bits", m_format->bits},
+                          {"samples_per_second", m_format->samplesPerSecond}};
+    }
+    return document;
   }
 
  private:
@@ -61,9 +78,13 @@ class ElementOutput {
     }
   }
 
+  ElementPlace m_place;
+  std::string m_path;
   ElementReader m_reader;
   OutputFile m_file;
+  std::optional<SoundFormat> m_format;
   std::optional<WaveFile> m_wave;
+  unsigned long long m_bytes = 0;
 };
 using ElementOutputs = std::vector<std::unique_ptr<ElementOutput>>;
 
@@ -98,8 +119,8 @@ ElementOutputs Open(Clip& clip, const ExtractOptions& options, unsigned int firs
   return outputs;
 }
 
-// After a fault no output file is left behind.
-void Extract(const ExtractOptions& options) {
+// After a fault no output file is left behind. What was written, as the members of a document.
+void Extract(const ExtractOptions& options, Json& document) {
   Clip clip(options.path);
   const EditUnits units = clip.ParseRange(options.range);
   const ElementOutputs outputs = Open(clip, options, static_cast<unsigned int>(units.begin));
@@ -109,7 +130,23 @@ void Extract(const ExtractOptions& options) {
     for (const auto& output : outputs) bytes += output->Copy(static_cast<unsigned int>(i));
     progress.Step(bytes);
   }
-  for (const auto& output : outputs) output->Finish();
+  document["edit_units"] = {{"begin", units.begin}, {"end", units.end}};
+  document["elements"] = Json::array();
+  for (const auto& output : outputs) {
+    output->Finish();
+    document["elements"].push_back(output->Document());
+  }
+}
+
+int Run(const ExtractOptions& options) {
+  if (!options.isJson) {
+    Json ignored;
+    return RunOnClip(options.path, [&] { Extract(options, ignored); });
+  }
+  return PrintDocuments({{options.path}, 1}, "extract", [&](Json& clip, const std::string& /*path*/) {
+    Extract(options, clip);
+    return kExitOK;
+  });
 }
 
 constexpr const char* kExamples = R"(Examples:
@@ -129,6 +166,7 @@ Runner DefineExtract(CLI::App& app) {
   which->add_flag("--all", options->isAll, "Every element, each in a file named by its kind and number");
   which->require_option(1);
   extract->add_flag("--wav", options->isWave, "Write PCM sound as wave files (RF64 beyond 4 GiB)");
+  extract->add_flag("--json", options->isJson, "Tell what was written as JSON, see docs/json.md");
   DefineRange(*extract, options->range);
   extract
       ->add_option("-o,--output", options->output,
@@ -136,5 +174,9 @@ Runner DefineExtract(CLI::App& app) {
       ->required()
       ->type_name("PATH");
   extract->footer(kExamples);
-  return [options] { return RunOnClip(options->path, [&] { Extract(*options); }); };
+  extract->callback([options] {
+    if (!options->isJson || options->output != "-") return;
+    throw CLI::ValidationError("--json", "the standard output takes the JSON or the essence, not both");
+  });
+  return [options] { return Run(*options); };
 }

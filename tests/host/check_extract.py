@@ -1,5 +1,6 @@
 #!/usr/bin/python3
 """check_extract.py CLIPINFO MAKE-CLIP: extracted elements hold the clip's bytes, and wave files its samples."""
+import json
 import pathlib
 import subprocess
 import sys
@@ -55,11 +56,15 @@ class Extract(unittest.TestCase):
         self.assertEqual(files, {"picture-1.m2v": self.values(0x15)[0], "data-1.anc": self.values(0x17)[0], **sounds})
 
     def test_a_wave_file_holds_the_samples_as_the_descriptor_tells(self):
-        self.extract("--all", "--wav", "-o", self.folder / "wav")
+        done = self.extract("--all", "--wav", "--json", "-o", self.folder / "wav")
         for i, samples in enumerate(self.values(0x16)):
             with wave.open(str(self.folder / "wav" / f"sound-{i + 1}.wav")) as sound:
                 self.assertEqual(sound.getparams()[:3], (1, 3, 48000))
                 self.assertEqual(sound.readframes(sound.getnframes()), samples)
+        told = json.loads(done.stdout)["clips"][0]["elements"]
+        self.assertEqual([row["kind"] for row in told], ["system", "picture", "sound", "sound", "data"])
+        self.assertEqual(told[1]["bytes"], len(self.values(0x15)[0]))
+        self.assertEqual(told[3]["wave"], {"channels": 1, "bits": 24, "samples_per_second": 48000})
         self.assertEqual((self.folder / "wav" / "picture-1.m2v").read_bytes(), self.values(0x15)[0])
 
     def test_a_range_of_one_element(self):
@@ -80,6 +85,7 @@ class Extract(unittest.TestCase):
             self.assertIn(fault, self.extract(*arguments, status=1).stderr)
         self.extract("--all", "--element", "1", "-o", refused, status=2)
         self.extract("-o", refused, status=2)
+        self.extract("--element", "1", "--json", "-o", "-", status=2)
         self.assertEqual([path for path in self.folder.glob("refused*")], [])
 
     def test_an_element_of_another_kind_ends_it(self):
