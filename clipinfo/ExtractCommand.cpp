@@ -55,12 +55,11 @@ class ElementOutput {
     if (m_wave) m_wave->Close();
     m_file.Finish();
   }
-  [[nodiscard]] Json Document() const {
-    Json document = {
-        {"element", m_place.index}, {"kind", m_place.kind.name},
-        {"number", m_place.number}, {"key", HexText(m_place.key.Bytes().data(), m_place.key.Bytes().size())},
-        {"file", m_path},           {"bytes", NumberJson(m_bytes)},
-        {"wave", nullptr}};
+  [[nodiscard]] Json Document() {
+    Json document = {{"element", m_place.index}, {"kind", m_place.kind.name},
+                     {"number", m_place.number}, {"key", m_place.key.Description()->UTF8String()},
+                     {"file", m_path},           {"bytes", NumberJson(m_bytes)},
+                     {"wave", nullptr}};
     if (m_format) {
       document["wave"] = {{"channels", m_format->channels},
                           {"bits", m_format->bits},
