@@ -21,11 +21,11 @@ build() { # PRESET
 }
 
 fuzz_one() { # SECONDS TARGET
-  local target=$2 log=build/fuzz/logs/$2.log found=build/fuzz/findings/$2 status=nothing
+  local target=$2 log=build/fuzz/logs/$2.log found=build/fuzz/findings/$2 status=nothing directories
   mkdir -p "$FUZZ_CORPUS/$target" "$found" build/fuzz/logs
-  # shellcheck disable=SC2046 # a directory a word
+  mapfile -t directories < <(inputs fuzz "$target")
   "build/fuzz/fuzz/fuzz-$target" -max_total_time="$1" "${limits[@]}" -dict=fuzz/dictionary -print_final_stats=1 \
-    -artifact_prefix="$found/" "$FUZZ_CORPUS/$target" $(inputs fuzz "$target") >"$log" 2>&1 || status=
+    -artifact_prefix="$found/" "$FUZZ_CORPUS/$target" "${directories[@]}" >"$log" 2>&1 || status=
   awk -v target="$target" -v status="${status:-A FINDING}" '
     /stat::number_of_executed_units/ { executions = $2 }
     match($0, /cov: [0-9]+/) { edges = substr($0, RSTART + 5, RLENGTH - 5) }
@@ -42,17 +42,17 @@ fuzz_one() { # SECONDS TARGET
 }
 
 regions() { # NAME PROFILE PROGRAM [-object PROGRAM]...
-  llvm-cov-14 report "${@:3}" -instr-profile="$2" foundation klv metadata stream cache |
+  llvm-cov-14 report "${@:3}" -instr-profile="$2" foundation klv metadata stream cache \
+    2> >(grep -v 'mismatched data' >&2) | # of inline functions that one program uses and another does not
     awk -v name="$1" '$1 == "TOTAL" { printf "%-24s%7d of %d regions of the library  %s\n", name, $2 - $3, $2, $4 }'
 }
 
 # By clang's source-based coverage, with the programs that only replay.
 coverage() { # TARGET...
-  local target programs=() at=build/fuzz-coverage/fuzz
+  local target directories programs=() at=build/fuzz-coverage/fuzz
   rm -f "$at"/*.profraw
   for target in "$@"; do
-    local directories
-    read -ra directories < <(inputs fuzz-coverage "$target" | tr '\n' ' ')
+    mapfile -t directories < <(inputs fuzz-coverage "$target")
     [ ! -d "$FUZZ_CORPUS/$target" ] || directories+=("$FUZZ_CORPUS/$target")
     LLVM_PROFILE_FILE="$at/$target.profraw" "$at/fuzz-$target" "${directories[@]}" >/dev/null
     llvm-profdata-14 merge -o "$at/$target.profdata" "$at/$target.profraw"
@@ -71,7 +71,7 @@ esac
 shift || true
 build "$preset"
 targets=("$@")
-[ $# -gt 0 ] || mapfile -t targets < <(ls "build/$preset/fuzz/seeds" | grep -vx made)
+[ $# -gt 0 ] || for seeds in "build/$preset/fuzz/seeds"/*/; do targets+=("$(basename "$seeds")"); done
 if [ "$preset" = fuzz ]; then
   printf '%s\n' "${targets[@]}" | xargs -P 2 -n 1 scripts/fuzz.sh --one "$seconds"
 else
