@@ -14,16 +14,19 @@ __extension__ typedef __int128 Wide;
 struct Segment {
   long long start, duration;
   unsigned int entries;
-  unsigned long long streamOffset;  // of each entry; the flags tell its number
+  unsigned long long streamOffset;  // of the first entry; each one's offsets and flags tell its number
+  OxSharedPtr<IndexTableSegment> object = {};
 
-  OxSharedPtr<IndexTableSegment> Imported() const {
+  void Import() {
     Bytes value, list;
     for (unsigned int i = 0; i < entries; ++i) list.U8(i).U8(i + 1).U8(i + 2).U64(streamOffset + i);
     value.Item(0x3F0B, Bytes().U32(25).U32(1)).Item(0x3F0C, Bytes().U64(static_cast<unsigned long long>(start)));
     value.Item(0x3F0D, Bytes().U64(static_cast<unsigned long long>(duration))).Item(0x3F08, {0});
     for (const unsigned int tag : {0x3F05u, 0x3F06u, 0x3F07u}) value.Item(tag, Bytes().U32(1));
     value.Item(0x3F0A, Batch(entries, 11, list));
-    return ::Imported<IndexTableSegment>(kIndexSegmentKey, value);
+    if (!object) object = PacketFor<IndexTableSegment>(kIndexSegmentKey, 0);
+    object->SetLength(value.Size());
+    MUST(object->Import(value.Stream(), 0) == kStatusOK);
   }
 };
 struct Partition {
@@ -92,7 +95,7 @@ OxSharedPtr<RandomIndexPack> List(Script& script, std::deque<Partition>& partiti
 
 // A script of calls. After each, the units at the edges of the segments are asked.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  Script script(data, std::min<std::size_t>(size, 512));
+  Script script(data, std::min<std::size_t>(size, 256));
   BodyPartitionArray array;
   std::deque<Partition> partitions;
   while (!script.isOver()) {
@@ -112,10 +115,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     if (step >= 8) {
       const auto place = static_cast<unsigned int>(number);
-      const Segment segment = {script.Number(), script.Number(), script.Byte() % 4 + 1,
-                               static_cast<unsigned long long>(script.Number())};
-      const bool isTaken = isThere && partitions[index].segments.emplace(place, segment).second;
-      MUST(array.SetIndexTableSegment(index, place, segment.Imported()) == (isTaken ? kStatusOK : kStatusRefused));
+      Segment segment = {script.Number(), script.Number(), script.Byte() % 4 + 1,
+                         static_cast<unsigned long long>(script.Number())};
+      const bool isFree = isThere && partitions[index].segments.count(place) == 0;
+      // One that is attached may be imported anew.
+      if (isThere && !isFree && step >= 14) segment.object = partitions[index].segments[place].object;
+      segment.Import();
+      if (isFree || (isThere && step >= 14)) partitions[index].segments[place] = segment;
+      MUST(array.SetIndexTableSegment(index, place, segment.object) == (isFree ? kStatusOK : kStatusRefused));
       for (const Wide unit : {Wide(segment.start), Wide(segment.start) + segment.duration}) {
         for (const int near : {-1, 0, 1, 2}) Compare(array, partitions, static_cast<long long>(unit + near));
       }
