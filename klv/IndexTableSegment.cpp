@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <new>
 #include <string>
 
-#include "foundation/BigEndian.h"
 #include "foundation/FormatText.h"
 #include "foundation/OxAutoLock.h"
 
@@ -24,14 +24,7 @@ constexpr _LocalTag kPosTableCountTag = 0x3F0E;
 constexpr unsigned long long kArrayHeaderSize = 4 + 4;
 constexpr unsigned int kDeltaEntrySize = 1 + 1 + 4;
 
-// An index entry, byte by byte.
-constexpr std::size_t kTemporalOffset = 0;
-constexpr std::size_t kKeyFrameOffset = 1;
-constexpr std::size_t kFlags = 2;
-constexpr std::size_t kStreamOffset = 3;
-constexpr std::size_t kSliceOffsets = 3 + 8;
-constexpr unsigned int kSliceOffsetSize = 4;
-constexpr unsigned int kPosTableSize = 8;
+constexpr std::size_t kPosTableSize = 4 + 4;
 
 std::atomic<unsigned long long> s_watchedChanges{0};
 
@@ -82,8 +75,7 @@ void IndexTableSegment::init() {
   m_sliceCount = 0;
   m_posTableCount = 0;
   m_deltaEntries.clear();
-  m_indexEntrySize = 0;
-  m_indexEntries.Reset();
+  m_indexEntries.Clear();
 }
 
 bool IndexTableSegment::isImportable() { return PacketType() == kKeyIndexTableSegment; }
@@ -151,27 +143,31 @@ bool IndexTableSegment::ReadDeltaEntries(ParseMetaData& reader, unsigned long lo
 }
 
 unsigned int IndexTableSegment::ImportIndexEntryArray(OxSharedPtr<LocalSets> localSets) {
-  m_indexEntries.Reset();
-  m_indexEntrySize = 0;
+  m_indexEntries.Clear();
   if (!localSets) return kStatusUnreadable;
   const OxAutoLock guard(localSets);
   const OxSharedPtr<ParseMetaData> reader = localSets->GetParserForTag(kIndexEntryArrayTag);
-  if (reader && ReadIndexEntries(*reader, localSets->LengthForTag(kIndexEntryArrayTag))) return kStatusOK;
-  m_indexEntrySize = 0;
-  return kStatusUnreadable;
+  const bool isRead = reader && ReadIndexEntries(*reader, localSets->LengthForTag(kIndexEntryArrayTag));
+  return isRead ? kStatusOK : kStatusUnreadable;
 }
 
 bool IndexTableSegment::ReadIndexEntries(ParseMetaData& reader, unsigned long long size) {
   unsigned int count = 0;
-  if (size < kArrayHeaderSize || !reader.GetUInt32(&count) || count == 0) return false;
-  if (!reader.GetUInt32(&m_indexEntrySize)) return false;
-  const unsigned long long bytes = static_cast<unsigned long long>(count) * m_indexEntrySize;
-  if (m_indexEntrySize != m_posTableCount * kPosTableSize + m_sliceCount * kSliceOffsetSize + kSliceOffsets) {
+  unsigned int entrySize = 0;
+  if (size < kArrayHeaderSize || !reader.GetUInt32(&count) || count == 0 || !reader.GetUInt32(&entrySize)) return false;
+  const unsigned long long bytes = static_cast<unsigned long long>(count) * entrySize;
+  if (entrySize != m_posTableCount * kPosTableSize + m_sliceCount * IndexEntries::kStoredSliceSize +
+                       IndexEntries::kStoredHeadSize ||
+      size - kArrayHeaderSize != bytes) {
     return false;
   }
-  if (size - kArrayHeaderSize != bytes) return false;
-  m_indexEntries = reader.CopyMemoryStream(bytes);
-  return static_cast<bool>(m_indexEntries);
+  try {
+    const OxSharedPtr<OxMemoryStream> stored = reader.CopyMemoryStream(bytes);
+    if (stored) m_indexEntries.Assign(stored->Bytes(), count, m_sliceCount);
+    return static_cast<bool>(stored);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
 }
 
 bool IndexTableSegment::isContainIndex(long long editUnit) const {
@@ -181,60 +177,54 @@ bool IndexTableSegment::isContainIndex(long long editUnit) const {
              static_cast<unsigned long long>(m_indexDuration);
 }
 
-unsigned long long IndexTableSegment::EntryCount() const {
-  return m_indexEntries ? m_indexEntries->Length() / m_indexEntrySize : 0;
-}
-
-const unsigned char* IndexTableSegment::EntryOf(long long editUnit) const {
-  if (!isContainIndex(editUnit)) return nullptr;
-  const auto index = static_cast<unsigned long long>(editUnit) - static_cast<unsigned long long>(m_indexStartPosition);
-  return index < EntryCount() ? m_indexEntries->Bytes() + index * m_indexEntrySize : nullptr;
+bool IndexTableSegment::FindEntry(long long editUnit, std::size_t& entry) const {
+  // Before the start it wraps to a number that no segment is as long as.
+  entry = static_cast<unsigned long long>(editUnit) - static_cast<unsigned long long>(m_indexStartPosition);
+  return entry < m_indexEntries.Count() && isContainIndex(editUnit);
 }
 
 bool IndexTableSegment::GetTemporalOffset(long long editUnit, signed char& offset) const {
-  const unsigned char* entry = EntryOf(editUnit);
-  if (entry == nullptr) return false;
-  offset = static_cast<signed char>(entry[kTemporalOffset]);
+  std::size_t entry = 0;
+  if (!FindEntry(editUnit, entry)) return false;
+  offset = m_indexEntries.TemporalOffset(entry);
   return true;
 }
 
 bool IndexTableSegment::GetKeyFrameOffset(long long editUnit, signed char& offset) const {
-  const unsigned char* entry = EntryOf(editUnit);
-  if (entry == nullptr) return false;
-  offset = static_cast<signed char>(entry[kKeyFrameOffset]);
+  std::size_t entry = 0;
+  if (!FindEntry(editUnit, entry)) return false;
+  offset = m_indexEntries.KeyFrameOffset(entry);
   return true;
 }
 
 bool IndexTableSegment::GetFlags(long long editUnit, unsigned char& flags) const {
-  const unsigned char* entry = EntryOf(editUnit);
-  if (entry == nullptr) return false;
-  flags = entry[kFlags];
+  std::size_t entry = 0;
+  if (!FindEntry(editUnit, entry)) return false;
+  flags = m_indexEntries.Flags(entry);
   return true;
 }
 
 bool IndexTableSegment::GetStreamOffset(long long editUnit, unsigned int element, unsigned long long& offset) const {
-  const unsigned char* entry = EntryOf(editUnit);
-  if (entry == nullptr) return false;
-  const auto unitOffset = LoadBigEndian<unsigned long long>(entry + kStreamOffset);
+  std::size_t entry = 0;
+  if (!FindEntry(editUnit, entry)) return false;
   if (element == 0 && m_deltaEntries.empty()) {
-    offset = unitOffset;
+    offset = m_indexEntries.StreamOffset(entry);
     return true;
   }
   if (element >= m_deltaEntries.size()) return false;
   const _DeltaEntry& delta = m_deltaEntries[element];
-  unsigned int sliceOffset = 0;
-  if (delta.Slice != 0 && delta.Slice <= m_sliceCount) {
-    sliceOffset =
-        LoadBigEndian<unsigned int>(entry + kSliceOffsets + (delta.Slice - std::size_t{1}) * kSliceOffsetSize);
-  }
-  offset = delta.ElementDelta + unitOffset + sliceOffset;
+  const bool isInSlice = delta.Slice != 0 && delta.Slice <= m_sliceCount;
+  const unsigned int sliceOffset = isInSlice ? m_indexEntries.SliceOffset(entry, delta.Slice - std::size_t{1}) : 0;
+  offset = delta.ElementDelta + m_indexEntries.StreamOffset(entry) + sliceOffset;
   return true;
 }
 
 OxSharedPtr<OxStringMac> IndexTableSegment::Description() {
   std::string text = "{\n";
   const unsigned long long units =
-      m_indexDuration > 0 ? std::min(static_cast<unsigned long long>(m_indexDuration), EntryCount()) : 0;
+      m_indexDuration > 0
+          ? std::min<unsigned long long>(static_cast<unsigned long long>(m_indexDuration), m_indexEntries.Count())
+          : 0;
   // Wraps where the segment reaches beyond the last possible edit unit; such units are in no segment.
   for (unsigned long long i = 0; i < units; ++i) {
     text += UnitText(static_cast<long long>(static_cast<unsigned long long>(m_indexStartPosition) + i));

@@ -1,10 +1,11 @@
 #ifndef CLIPPARSER_KLV_INDEXTABLESEGMENT_H
 #define CLIPPARSER_KLV_INDEXTABLESEGMENT_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
-#include "foundation/OxMemoryStream.h"
+#include "klv/IndexEntries.h"
 #include "klv/KLVPacket.h"
 #include "klv/LocalSets.h"
 
@@ -101,23 +102,22 @@ class CLIPPARSER_EXPORT IndexTableSegment : public KLVPacket {
   bool ReadNumbers(ItemReader& items);
   bool ReadDeltaEntries(ParseMetaData& reader, unsigned long long size);
   bool ReadIndexEntries(ParseMetaData& reader, unsigned long long size);
-  [[nodiscard]] unsigned long long EntryCount() const;
-  // The entry of an edit unit, or null.
-  [[nodiscard]] const unsigned char* EntryOf(long long editUnit) const;
+  // The number of an edit unit's entry; false when it has none.
+  [[nodiscard]] bool FindEntry(long long editUnit, std::size_t& entry) const;
   [[nodiscard]] std::string UnitText(long long editUnit) const;
 
-  _Rational m_indexEditRate{};
+  // First what a look-up needs, so that it lies together: in a long clip each look-up finds another segment.
   long long m_indexStartPosition = 0;
   long long m_indexDuration = 0;
+  std::vector<_DeltaEntry> m_deltaEntries;
+  IndexEntries m_indexEntries;
+  unsigned char m_sliceCount = 0;
+  unsigned char m_posTableCount = 0;
+  ChangeWatch m_watch;
   unsigned int m_editUnitByteCount = 0;
   unsigned int m_indexSID = 0;
   unsigned int m_bodySID = 0;
-  unsigned char m_sliceCount = 0;
-  unsigned char m_posTableCount = 0;
-  std::vector<_DeltaEntry> m_deltaEntries;
-  ChangeWatch m_watch;
-  unsigned int m_indexEntrySize = 0;
-  OxSharedPtr<OxMemoryStream> m_indexEntries;  // the entries as stored, each m_indexEntrySize bytes
+  _Rational m_indexEditRate{};
 };
 
 #endif  // CLIPPARSER_KLV_INDEXTABLESEGMENT_H

@@ -117,6 +117,21 @@ TEST(IndexTableSegmentTest, EntriesMustHaveTheSizeAndNumberThatTheOtherItemsAskF
   EXPECT_FALSE(import(0, {}, 0x1745D175, 11, 7)) << "11 times the count is 7 in 32 bits";
 }
 
+TEST(IndexTableSegmentTest, ACopyKeepsItsAnswersWhenTheOriginalIsImportedAnew) {
+  const auto segment = Segment().Import();
+  const OxSharedPtr<IndexTableSegment> copy(new IndexTableSegment(*segment));
+  const std::string text = Text(copy);
+  Segment other;
+  other.start = 0, other.sliceCount = 0, other.entrySize = 11, other.entries = Bytes().Fill(33, 7), other.deltas = {};
+  segment->SetLength(other.Value().Size());
+  ASSERT_EQ(kStatusOK, segment->Import(other.Value().Stream(), 0));
+  EXPECT_EQ(text, Text(copy));
+  EXPECT_TRUE(Answers(segment, 0) && !Answers(segment, 100));
+  segment->init();
+  EXPECT_EQ("{\n}", Text(segment));
+  EXPECT_EQ(text, Text(copy));
+}
+
 TEST(IndexTableSegmentTest, UnitsAreComparedWithoutOverflow) {
   const auto expect = [](long long start, long long duration, long long first, long long last) {
     Segment fields;
