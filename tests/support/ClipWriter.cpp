@@ -343,6 +343,7 @@ class HeaderMetadata {
       if (i == 0 ? o.multipleDescriptor : o.multipleDescriptor || i == 1) AddDescriptor(i);
     }
     if (o.bitRate > 0) Add(Make(0x6E, 0, "SubDescriptor").Number(0x8007, o.bitRate, 4));
+    for (unsigned i = 0; i < o.crowd; ++i) AddToCrowd(i);
     if (o.sequenceInfo) {
       Set info(kSequenceInfo, Instance(0x40, 0), "StreamFileSequenceInfo");
       info.Uid(0x4401, Umid(kSourcePackage)).Number(0x1501, o.startTimecode, 8);
@@ -391,7 +392,8 @@ class HeaderMetadata {
       set.Uid(0x3C09, Instance(0x130, i)).Text(0x3C01, "Example Company").Text(0x3C02, "Camera One");
       Add(set.Text(0x3C04, i == 0 ? "1.00" : "1.01").Raw(0x3C05, Instance(0x230, 0)).Number(0x3C06, kDate + i, 8));
     }
-    const std::vector<Label> packages = {Instance(0x36, 0), Instance(0x37, 0)};
+    std::vector<Label> packages = {Instance(0x36, 0)};
+    for (const Label& source : Instances(0x37, 0, 1 + o.crowd)) packages.push_back(source);
     Add(Make(0x18, 0, "ContentStorage").Uids(0x1901, packages).Uids(0x1902, {Instance(0x23, 0)}));
     Set container = Make(0x23, 0, "EssenceContainerData");
     container.Uid(0x2701, Umid(kSourcePackage)).Number(0x3F06, o.indexSid, 4, FieldKind::Link);
@@ -416,7 +418,11 @@ class HeaderMetadata {
       return part.Raw(0x0201, MakeLabel(0x060E2B3404010101, track.definition))
           .Number(0x0202, m_duration, 8, FieldKind::Count);
     };
-    Add(component(Make(0x0F, number, "Sequence")).Uids(0x1001, {Instance(kind, number)}));
+    std::vector<Label> components = {Instance(kind, number)};
+    if (number == 0) {
+      for (const Label& clip : Instances(0x11, kCrowd, o.crowd)) components.push_back(clip);
+    }
+    Add(component(Make(0x0F, number, "Sequence")).Uids(0x1001, components));
     Set last = component(Make(kind, number, timecode ? "TimecodeComponent" : "SourceClip"));
     if (timecode) {
       last.Number(0x1502, m_model.Base(), 2).Number(0x1503, o.dropFrame ? 1 : 0, 1).Number(0x1501, o.startTimecode, 8);
@@ -425,6 +431,15 @@ class HeaderMetadata {
       last.Number(0x1102, source ? 0 : track.id, 4, FieldKind::Link);
     }
     Add(last);
+  }
+
+  // One more source package, and a source clip of it; the clips name the packages from the last to the first.
+  void AddToCrowd(unsigned i) {
+    const unsigned package = kSourcePackage + 1 + i, named = kSourcePackage + o.crowd - i;
+    Add(Make(0x37, 1 + i, "SourcePackage").Uid(0x4401, Umid(package)).Uids(0x4403, {}).Uid(0x4701, Descriptor(1)));
+    Set clip = Make(0x11, kCrowd + i, "SourceClip");
+    clip.Raw(0x0201, MakeLabel(0x060E2B3404010101, m_tracks[0].definition)).Number(0x0202, 0, 8, FieldKind::Count);
+    Add(clip.Number(0x1201, 0, 8).Uid(0x1101, Umid(named)).Number(0x1102, m_tracks[1].id, 4, FieldKind::Link));
   }
 
   unsigned DescriptorKind(unsigned track) const {
@@ -479,6 +494,7 @@ class HeaderMetadata {
     set.Item(0x3D11, Batch(1, 24).Number(0x85, 1).Zeros(23));
   }
 
+  static constexpr unsigned kCrowd = 0x10000;       // number of its first source clip
   static constexpr u64 kDate = 0x07EA0B1609301E19;  // 2026-11-22 09:48:30.100
   const Model& m_model;
   const ClipOptions& o;

@@ -84,6 +84,7 @@ struct ClipOptions {
   bool primer = true;
   bool sequenceInfo = true;  // the private packet that places the file in a sequence of files
   unsigned identifications = 1;
+  unsigned crowd = 0;  // source packages, and components of the first material track, beyond those of a clip; <= 4,093
 
   bool recordFields = false;  // fill Clip::fields
 };
