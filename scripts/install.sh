@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing of the Debian packages named by the kinds given as arguments: build, test, bench, clang,
-# fuzz, check.
+# Installs what is missing of the Debian packages named by the kinds given as arguments, which stand below.
 set -euo pipefail
 
 packages() {
@@ -10,6 +9,8 @@ packages() {
     bench) echo libbenchmark-dev ;;
     clang) echo clang libclang-rt-14-dev ;;
     fuzz) echo clang libclang-rt-14-dev llvm-14 ;;
+    package) echo dpkg-dev file ;;
+    docs) echo doxygen ;;
     check) echo clang clang-tidy clang-format git ;;
     *) echo "install.sh: unknown kind '$1'" >&2 && return 2 ;;
   esac
