@@ -168,5 +168,6 @@ unsigned long long CacheFileStream::CopyFromFile(FBCMemoryCache* cache, unsigned
   const bool isServed = held == wanted || (held > InBlock(offset) && count <= held - InBlock(offset));
   if (isServed) std::memcpy(buffer, block + InBlock(offset), count);
   if (held < wanted) cache->delCache(base);
+  if (!isServed) ++m_failedReads;
   return isServed ? count : 0;
 }

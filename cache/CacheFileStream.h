@@ -1,6 +1,8 @@
 #ifndef CLIPPARSER_CACHE_CACHEFILESTREAM_H
 #define CLIPPARSER_CACHE_CACHEFILESTREAM_H
 
+#include <atomic>
+
 #include "cache/FBCMemoryCache.h"
 #include "cache/IMemoryCacheManagerAccess.h"
 #include "cache/ReadOnlyFile.h"
@@ -57,6 +59,10 @@ class CLIPPARSER_EXPORT CacheFileStream : public OxStream, public IMemoryCacheMa
   // failure.
   unsigned long long ReadFromFileSub(unsigned long long offset, unsigned long long length, unsigned char* buffer);
 
+  // How often the disk failed a read, or a file that shrank ended before it; the end of the file is no failure. Tells a
+  // caller that found nothing whether that means anything.
+  [[nodiscard]] unsigned long long FailedReads() const { return m_failedReads; }
+
   using OxStream::operator=;
 
  private:
@@ -70,6 +76,7 @@ class CLIPPARSER_EXPORT CacheFileStream : public OxStream, public IMemoryCacheMa
 
   OxRecursiveLock m_lock;
   ReadOnlyFile m_file;
+  std::atomic<unsigned long long> m_failedReads{0};
   // Not owned. Between two reads it may point to a pool's cache that is lent elsewhere or has no memory any more, which
   // only the cache itself can tell, under its lock.
   FBCMemoryCache* m_cache = nullptr;

@@ -6,7 +6,6 @@
 #include <set>
 #include <utility>
 
-#include "cache/CacheFileStream.h"
 #include "foundation/OxAutoLock.h"
 #include "foundation/UUIDDefine.h"
 #include "klv/SystemMetadataPack.h"
@@ -69,12 +68,14 @@ MXFStream::~MXFStream() = default;
 // --- Opening ---
 
 unsigned int MXFStream::Parse() {
+  const unsigned long long failedReads = FailedReads();
   static_cast<void>(ReadRandomIndexPack());  // a file need not have one
   const bool isListed = TakeListedPartitions();
   unsigned int status = ReadHeaderPartitionPack();
   if (!isLowHalfOK(status)) return status;
   // What the walk finds before it fails is better than nothing.
   if (!isListed) static_cast<void>(ConstructBodyPartitionArrayFromStream());
+  if (FailedReads() != failedReads) return kStatusUnreadable;  // partitions that the disk kept back are in no list
   status = ParseHeaderPartition();
   return isLowHalfOK(status) ? AnalysisDuration() : status;
 }
@@ -281,7 +282,10 @@ unsigned int MXFStream::GetImageStabilizer(OxSharedPtr<OxNumber>* state) {
   unsigned char recordCount = 0;
   if (!m_reader->GetUInt8(&recordCount)) return kStatusUnreadable;
   unsigned char value = 0;
-  if (FindStabilizerRecord(recordCount, value)) *state = OxNumber::Create<unsigned char>(value >> 4 & 3);
+  const unsigned long long failedReads = FailedReads();
+  const bool isFound = FindStabilizerRecord(recordCount, value);
+  if (FailedReads() != failedReads) return kStatusUnreadable;
+  if (isFound) *state = OxNumber::Create<unsigned char>(value >> 4 & 3);
   return kStatusOK;
 }
 
@@ -462,7 +466,9 @@ OxSharedPtr<IndexTableSegment> MXFStream::AttachHeaderSegment(const IndexArea& a
   if (position < area.begin) return {};
   OxSharedPtr<IndexTableSegment> attached;
   if (m_bodyPartitions->IndexTableSegmentAtIndex(0, number, attached)) return {};  // every segment would be refused
+  const unsigned long long failedReads = FailedReads();
   while (OxSharedPtr<IndexTableSegment> segment = NextIndexSegment(position, area.end)) {
+    if (FailedReads() != failedReads) break;  // the segment that belongs here may have been passed over
     if (m_bodyPartitions->SetIndexTableSegment(0, number, segment) != kStatusOK) continue;
     // Only where it was attached: a later segment must not pass for the second one.
     if (number == 1) m_bodyPartitions->SetIndexTableSegmentByteCount(segment->Offset() - area.begin);
@@ -504,8 +510,8 @@ unsigned int MXFStream::ReadIndexTableAtPartition(unsigned int index) {
   unsigned long long offset = 0;
   if (!EnsureBodyPartitionData(index) || !IndexPartitionOffset(index, offset)) return kStatusUnreadable;
   OxSharedPtr<IndexTableSegment> last;  // a later segment supersedes the ones before it
-  static_cast<void>(VisitIndexSegments(offset, [&last](OxSharedPtr<IndexTableSegment> segment) { last = segment; }));
-  if (!last) return kStatusUnreadable;
+  const bool isRead = VisitIndexSegments(offset, [&last](OxSharedPtr<IndexTableSegment> segment) { last = segment; });
+  if (!isRead || !last) return kStatusUnreadable;
   static_cast<void>(m_bodyPartitions->SetIndexTableSegment(index, 0, last));  // one that is there stays
   return kStatusOK;
 }
@@ -534,21 +540,23 @@ unsigned int MXFStream::ReadBodyPartitionInfo(unsigned int index) {
 OxSharedPtr<OxArray> MXFStream::GetIndexFromPartition(unsigned long long fileOffset) {
   const OxAutoLock guard(m_reader.get());
   OxSharedPtr<OxMutableArray> segments(new OxMutableArray);
-  const bool isPartition =
+  const bool isRead =
       VisitIndexSegments(fileOffset, [&](OxSharedPtr<IndexTableSegment> segment) { segments->AddObject(segment); });
-  return isPartition ? OxSharedPtr<OxArray>(segments) : OxSharedPtr<OxArray>();
+  return isRead ? OxSharedPtr<OxArray>(segments) : OxSharedPtr<OxArray>();
 }
 
-// Shows each index table segment of the partition at a file offset; false when there is no partition pack.
+// Shows each index table segment of the partition at a file offset; false when there is no partition pack, or the disk
+// failed on the way.
 template <class Visit>
 bool MXFStream::VisitIndexSegments(unsigned long long fileOffset, Visit visit) {
   const OxSharedPtr<PartitionPack> pack = PartitionPackAt(fileOffset);
   if (!pack) return false;
   if (pack->IndexByteCount() == 0) return true;
   const IndexArea area = IndexAreaOf(*pack);
+  const unsigned long long failedReads = FailedReads();
   unsigned long long position = area.begin;
   while (OxSharedPtr<IndexTableSegment> segment = NextIndexSegment(position, area.end)) visit(segment);
-  return true;
+  return FailedReads() == failedReads;
 }
 
 MXFStream::IndexArea MXFStream::IndexAreaOf(const PartitionPack& pack) {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <vector>
 
+#include "cache/CacheFileStream.h"
 #include "foundation/OxNumber.h"
 #include "foundation/ParseMetaData.h"
 #include "klv/PartitionPack.h"
@@ -43,7 +44,8 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   // --- Opening ---
 
   // Finds the partitions, reads the header metadata and takes the duration from the first track of the first material
-  // package. Call it once: on a file without a random index pack a second call lists its partitions twice.
+  // package. Call it once: on a file without a random index pack a second call lists its partitions twice. A disk that
+  // fails on the way fails it; the file wants a new clip then.
   unsigned int Parse();
   // The steps of Parse.
   // The pack that the last four bytes of the file lead to. Its absence is not a failure of Parse.
@@ -126,7 +128,8 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   unsigned int ReadIndexTableAtPartition(unsigned int index);
   // Reads the partition pack of a body partition. kStatusRefused when the pack says that it lies elsewhere.
   unsigned int ReadBodyPartitionInfo(unsigned int index);
-  // Every index table segment of the partition at a file offset; empty pointer when there is no partition pack.
+  // Every index table segment of the partition at a file offset; empty pointer when there is no partition pack, or the
+  // disk failed on the way.
   [[nodiscard]] OxSharedPtr<OxArray> GetIndexFromPartition(unsigned long long fileOffset);
 
  private:
@@ -153,6 +156,9 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
 
   unsigned int ReadPacketValue(unsigned char* buffer, unsigned int bufferSize);
 
+  // How often the disk has failed so far: what was looked for in between and not found may be there all the same.
+  [[nodiscard]] unsigned long long FailedReads() const { return m_stream ? m_stream->FailedReads() : 0; }
+
   // Index; the caller holds the reader's lock.
   template <class Ask>
   bool AskIndex(unsigned int editUnit, Ask ask);
@@ -175,7 +181,7 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   bool FindStabilizerRecord(unsigned int recordCount, unsigned char& value);
 
   OxSharedPtr<ParseMetaData> m_reader;  // its lock is the outermost of all
-  OxSharedPtr<OxStream> m_stream;
+  OxSharedPtr<CacheFileStream> m_stream;
   std::atomic<long long> m_duration{0};
   OxSharedPtr<PartitionPack> m_headerPartitionPack;
   OxSharedPtr<BodyPartitionArray> m_bodyPartitions;
