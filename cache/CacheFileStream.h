@@ -43,6 +43,7 @@ class CLIPPARSER_EXPORT CacheFileStream : public OxStream, public IMemoryCacheMa
   // If the pool cannot be made for want of memory, the range's size is returned with zeros for bytes.
   long long Read(unsigned char* buffer, unsigned long long size, long long offset,
                  OxStream_Seek_Origin origin) override;
+  // As OxStream::Seek, under the stream's lock.
   long long Seek(long long offset, OxStream_Seek_Origin origin) override;
 
   // Called by the manager. A cache that does not come from the pool must be kept alive by the caller.

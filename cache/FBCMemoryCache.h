@@ -27,6 +27,7 @@ struct _FBCMemoryCacheItem {
 // the whole of a read (LentCache), because the lock also stands for the blocks' bytes.
 class CLIPPARSER_EXPORT FBCMemoryCache : public OxObject {
  public:
+  // Bytes of a block, bytes of all, blocks of a cache.
   static constexpr unsigned long long kBlockSize = 0x10000;
   static constexpr unsigned long long kBufferSize = 0x400000;
   static constexpr unsigned long long kBlockCount = kBufferSize / kBlockSize;

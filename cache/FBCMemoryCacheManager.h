@@ -15,7 +15,7 @@ class LentCache;
 // One cache of the pool.
 struct _FBCMemoryCacheManagerItem {
   IMemoryCacheManagerAccess* access;  // who holds the cache; null until it is first lent, stale while it is free
-  FBCMemoryCache* cache;
+  FBCMemoryCache* cache;              // the cache; what keeps it alive is `owner`
   OxSharedPtr<FBCMemoryCache> owner;  // of the cache, together with the stream that holds it
   unsigned long long lastUse = 0;     // of the cache, when the used list was last put in order
 };
@@ -37,6 +37,7 @@ struct _FBCMemoryCacheManagerItem {
 // neither 3 nor, from UpdateMemoryCache, 4 held. Hence no circle of waiting threads, whatever calls are mixed.
 class CLIPPARSER_EXPORT FBCMemoryCacheManager : public OxObject {
  public:
+  // Caches in the pool, and so streams that hold one at a time.
   static constexpr int kCacheCount = 10;
 
   FBCMemoryCacheManager();

@@ -37,8 +37,10 @@ class CLIPPARSER_EXPORT MDValue : public OxObject {
   using OxObject::operator=;
   MDValue& operator=(const MDValue&) = delete;
 
+  // The type that the bytes were said to have.
   [[nodiscard]] _MDValueType ValueType() const { return m_type; }
 
+  // The value, if it is of just this type. Throws "MDValue Cast Error" otherwise.
   operator unsigned char();
   operator unsigned short();
   operator unsigned int();

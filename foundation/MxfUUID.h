@@ -13,6 +13,7 @@
 // metadata set refers to another (SMPTE ST 377-1). Ordered bytewise as unsigned numbers. Not synchronised.
 class CLIPPARSER_EXPORT MxfUUID : public OxObject {
  public:
+  // Bytes of a key or label.
   static constexpr unsigned int kSize = 16;
 
   MxfUUID();  // 16 zero bytes
@@ -35,10 +36,12 @@ class CLIPPARSER_EXPORT MxfUUID : public OxObject {
   // 06.0E.2B.34.… in upper case.
   OxSharedPtr<OxStringMac> Description() override;
 
+  // All 16 bytes count.
   friend bool operator==(const MxfUUID& a, const MxfUUID& b) { return a.m_key == b.m_key; }
   friend bool operator!=(const MxfUUID& a, const MxfUUID& b) { return a.m_key != b.m_key; }
 
  protected:
+  // The bytes, for classes that read meaning into them.
   using Key = std::array<unsigned char, kSize>;
   [[nodiscard]] const Key& Bytes() const { return m_key; }
 
@@ -50,6 +53,7 @@ class CLIPPARSER_EXPORT MxfUUID : public OxObject {
 // The order of every map that is keyed by MxfUUID.
 template <>
 struct std::less<MxfUUID> {
+  // Byte by byte, as unsigned numbers, byte 0 first.
   bool operator()(const MxfUUID& left, MxfUUID right) const { return left.m_key < right.m_key; }
 };
 

@@ -14,6 +14,7 @@ class CLIPPARSER_EXPORT OxArray : public OxObject {
   OxArray();
   ~OxArray() override;
 
+  // Objects in the array, empty pointers included.
   [[nodiscard]] unsigned long Count() const { return m_objects.size(); }
   // Empty when `index` is not below the count.
   [[nodiscard]] OxSharedPtr<OxObject> ObjectAtIndex(unsigned long index) const;
@@ -21,7 +22,7 @@ class CLIPPARSER_EXPORT OxArray : public OxObject {
   [[nodiscard]] OxSharedPtr<OxObject> LastObject() const;
 
  protected:
-  std::vector<OxSharedPtr<OxObject>> m_objects;
+  std::vector<OxSharedPtr<OxObject>> m_objects;  // in order; OxMutableArray adds to them
 };
 
 #endif  // CLIPPARSER_FOUNDATION_OXARRAY_H

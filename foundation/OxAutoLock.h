@@ -9,6 +9,7 @@
 //   from a plain pointer: the caller must keep the lock object alive; the form for locks that are members
 class CLIPPARSER_EXPORT OxAutoLock {
  public:
+  // Take the lock, waiting for it; the destructor lets it go.
   explicit OxAutoLock(OxSharedPtr<OxLockAbstract> lock);
   // Inlined, so that the lock of a member is taken without a virtual call.
   explicit OxAutoLock(OxLockAbstract* lock) : m_lock(lock) {

@@ -10,6 +10,7 @@ class CLIPPARSER_EXPORT OxLockAbstract : public virtual OxObject {
   OxLockAbstract();
   ~OxLockAbstract() override;
 
+  // Take the lock, waiting for it, and let it go. Both do nothing in the base.
   virtual void Lock();
   virtual void Unlock();
 };

@@ -11,6 +11,7 @@ class CLIPPARSER_EXPORT OxMutableArray : public OxArray {
 
   // Appends; an empty pointer takes a place too.
   void AddObject(OxSharedPtr<OxObject> object);
+  // Lets all objects go; the array is empty afterwards.
   void RemoveAllObjects();
 };
 

@@ -15,9 +15,11 @@ class CLIPPARSER_EXPORT OxNumber : public OxObject {
   OxNumber();
   ~OxNumber() override;
 
+  // Boxes a number, which keeps its type.
   template <class T>
   static OxSharedPtr<OxNumber> Create(T value);
 
+  // The number, converted; a bool says whether it is not 0.
   virtual bool boolValue() = 0;
   virtual unsigned char UInt8Value() = 0;
   virtual unsigned short UInt16Value() = 0;
@@ -37,9 +39,11 @@ OxSharedPtr<OxStringMac> GetValueString(T value) {
   return CreateOxString(std::to_string(+value));
 }
 
+// The box of a number of type T. OxNumber::Create makes it.
 template <class T>
 class CLIPPARSER_EXPORT OxNumberConcrete : public OxNumber {
  public:
+  // Boxes `value`.
   explicit OxNumberConcrete(T value) : m_value(value) {}
   ~OxNumberConcrete() override = default;
 

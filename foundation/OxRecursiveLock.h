@@ -36,6 +36,7 @@ class CLIPPARSER_EXPORT OxRecursiveLock : public OxLockAbstract {
   // a virtual call.
   class Hold {
    public:
+    // Takes the lock, waiting for it. The caller must keep the lock alive.
     explicit Hold(OxRecursiveLock& lock) : m_lock(lock) { m_lock.OxRecursiveLock::Lock(); }
     ~Hold() { m_lock.OxRecursiveLock::Unlock(); }
     Hold(const Hold&) = delete;

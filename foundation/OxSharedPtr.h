@@ -18,6 +18,7 @@ class CLIPPARSER_EXPORT OxSharedPtr {
   OxSharedPtr() noexcept = default;
   // Takes an object straight from `new`; null gives an empty pointer.
   OxSharedPtr(T* pointee) noexcept : m_pointee(pointee) { RetainPointee(); }
+  // Shares, or takes over, what `other` points to.
   OxSharedPtr(const OxSharedPtr& other) noexcept : m_pointee(other.m_pointee) { RetainPointee(); }
   OxSharedPtr(OxSharedPtr&& other) noexcept : m_pointee(std::exchange(other.m_pointee, nullptr)) {}
   virtual ~OxSharedPtr() { Reset(); }
@@ -46,6 +47,7 @@ class CLIPPARSER_EXPORT OxSharedPtr {
     return OxSharedPtr<U>(dynamic_cast<U*>(m_pointee));
   }
 
+  // The object, still owned by the pointers to it; null when empty.
   T* get() const noexcept { return m_pointee; }
   T* operator->() const noexcept { return m_pointee; }
   T& operator*() const noexcept { return *m_pointee; }

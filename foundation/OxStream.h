@@ -13,8 +13,8 @@ constexpr OxStream_Seek_Origin kOxStreamSeekFromEnd = 2;
 
 // A run of bytes: where it begins, and how many bytes it has.
 struct _OxRange {
-  unsigned long long location;
-  unsigned long long length;
+  unsigned long long location;  // offset of the first byte
+  unsigned long long length;    // bytes
 };
 
 struct CFData;  // a platform's data object; the library only passes pointers to it on
@@ -60,9 +60,10 @@ class CLIPPARSER_EXPORT OxStream : public OxObject {
   OxStream();
   OxStream(const OxStream&) = delete;
 
+  // For derived classes: once, before anything is read.
   void SetLength(unsigned long long length) { m_length = length; }
 
-  long long m_position = 0;
+  long long m_position = 0;  // of Seek, and of reads that count from it
 
  private:
   unsigned long long m_length = 0;

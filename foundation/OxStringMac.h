@@ -24,6 +24,7 @@ class CLIPPARSER_EXPORT OxStringMac : public virtual OxObject {
   OxStringMac(const char* bytes, unsigned int byteCount, _OxString_CharCode code);
   // Takes a finished text, zero characters included.
   explicit OxStringMac(std::string text);
+  // A copy of the text.
   OxStringMac(const OxStringMac& other);
   ~OxStringMac() override;
   OxStringMac& operator=(const OxStringMac& other);
@@ -35,6 +36,7 @@ class CLIPPARSER_EXPORT OxStringMac : public virtual OxObject {
     return format ? CreateFormatted(format->UTF8String(), args...) : OxSharedPtr<OxStringMac>();
   }
 
+  // Both texts, one behind the other.
   OxStringMac operator+(const OxStringMac& other) const;
 
   // The text as a C string, valid until the string is assigned to or deleted. A host that prints it stops at the first

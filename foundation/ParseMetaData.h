@@ -16,19 +16,19 @@ class KLVPacket;
 
 // A date and time as MXF stores it (SMPTE ST 377-1), 8 bytes: year (2), then one byte for each other field.
 struct _Timestamp {
-  short year;
-  unsigned char month;
-  unsigned char day;
-  unsigned char hour;
-  unsigned char minute;
-  unsigned char second;
+  short year;                         // of the common era
+  unsigned char month;                // 1 to 12
+  unsigned char day;                  // 1 to 31
+  unsigned char hour;                 // 0 to 23
+  unsigned char minute;               // 0 to 59
+  unsigned char second;               // 0 to 59
   unsigned char quarterMilliseconds;  // milliseconds divided by 4
 };
 
 // A rational number as MXF stores it, 8 bytes: numerator (4), denominator (4).
 struct _Rational {
-  int numerator;
-  int denominator;
+  int numerator;    // as stored
+  int denominator;  // as stored: may be 0
 };
 
 // What ReadKeyAndLength found.
@@ -48,6 +48,7 @@ enum class PacketHead {
 // Threads: not synchronised. Callers that share a reader hold it as a lock, which it is, around each sequence of reads.
 class CLIPPARSER_EXPORT ParseMetaData : public OxRecursiveLock {
  public:
+  // A reader at the start of the stream; without one, a reader that reads nothing.
   ParseMetaData();
   explicit ParseMetaData(OxSharedPtr<OxStream> stream);
   ~ParseMetaData() override;
@@ -93,6 +94,7 @@ class CLIPPARSER_EXPORT ParseMetaData : public OxRecursiveLock {
 
   // The following give an empty pointer on failure.
 
+  // 16 bytes in file order.
   [[nodiscard]] OxSharedPtr<MxfUUID> GetUUID();
   // A UMID (ST 330). 32 bytes; when the length byte (byte 12) says extended (0x33) the position moves by 64 and the
   // second half of the result repeats the first: the source package signature of the file is not read.

@@ -51,12 +51,14 @@ constexpr bool isStructuralSet(unsigned int keyType) { return (keyType & 0xFFFF0
 class CLIPPARSER_EXPORT ULKey : public MxfUUID {
  public:
   ULKey();
+  // Copies 16 bytes; null gives zeros.
   ULKey(const unsigned char* bytes);
   ULKey(const ULKey&) = default;
   ULKey& operator=(const ULKey&) = default;
   using MxfUUID::operator=;
   ~ULKey() override;
 
+  // What the key stands for, a KeyType or, for structural sets, one of its kind; and the kind alone.
   [[nodiscard]] unsigned int GetKeyType() const;
   [[nodiscard]] unsigned int GetKeyKind() const;
 

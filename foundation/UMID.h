@@ -12,6 +12,7 @@
 // The identifier of a package (SMPTE ST 330): 32 bytes (basic) or 64 (extended), in file order. Not synchronised.
 class CLIPPARSER_EXPORT UMID : public OxObject {
  public:
+  // The two lengths that a UMID may have, in bytes.
   static constexpr unsigned int kBasicSize = 32;
   static constexpr unsigned int kExtendedSize = 64;
 

@@ -11,7 +11,7 @@
 
 // Where an element lies within its edit unit.
 struct _DeltaEntry {
-  signed char PosTableIndex;
+  signed char PosTableIndex;  // below 0: the element is reordered
   unsigned char Slice;        // counted from 1; 0, or above the slice count: the element is in no slice
   unsigned int ElementDelta;  // bytes from the start of the edit unit, or of the slice
 };
@@ -38,6 +38,7 @@ struct _DeltaEntry {
 // Threads: never changes once imported, and may then be queried from any number of threads.
 class CLIPPARSER_EXPORT IndexTableSegment : public KLVPacket {
  public:
+  // Empty until Import; with key and offsets of a packet that was read generically, if one is given.
   IndexTableSegment();
   explicit IndexTableSegment(OxSharedPtr<KLVPacket> packet);
   ~IndexTableSegment() override;
@@ -58,11 +59,13 @@ class CLIPPARSER_EXPORT IndexTableSegment : public KLVPacket {
   unsigned int ImportDeltaEntryArray(OxSharedPtr<LocalSets> localSets);
   unsigned int ImportIndexEntryArray(OxSharedPtr<LocalSets> localSets);
 
-  [[nodiscard]] _Rational IndexEditRate() const { return m_indexEditRate; }
+  // The items as stored; 0 in an empty segment.
+  [[nodiscard]] _Rational IndexEditRate() const { return m_indexEditRate; }            // edit units per second
   [[nodiscard]] long long IndexStartPosition() const { return m_indexStartPosition; }  // edit units
   [[nodiscard]] long long IndexDuration() const { return m_indexDuration; }            // edit units
   [[nodiscard]] unsigned int IndexSID() const { return m_indexSID; }
   [[nodiscard]] unsigned int BodySID() const { return m_bodySID; }
+  // Elements of an edit unit that the segment tells apart; 0: one alone.
   [[nodiscard]] unsigned int DeltaEntryCount() const { return static_cast<unsigned int>(m_deltaEntries.size()); }
 
   // Whether the edit unit lies in [IndexStartPosition, IndexStartPosition + IndexDuration).

@@ -26,10 +26,12 @@ class CLIPPARSER_EXPORT KLVPacket : public virtual OxObject {
   explicit KLVPacket(OxSharedPtr<KLVPacket> other);
   ~KLVPacket() override;
 
+  // A copy of the key.
   [[nodiscard]] ULKey key() const { return m_key; }
   // Copies 16 bytes; null is ignored.
   void SetKey(const MxfUUID* key);
 
+  // Where the key is, how many bytes the value has, where it is; 0 before anything is read.
   [[nodiscard]] unsigned long long Offset() const { return m_offset; }
   [[nodiscard]] unsigned long long Length() const { return m_length; }
   [[nodiscard]] unsigned long long ValueOffset() const { return m_valueOffset; }

@@ -22,6 +22,7 @@ class CLIPPARSER_EXPORT PartitionPack : public KLVPacket {
   // The answer of HeaderOffset and IndexOffset when the partition has no such part.
   static constexpr unsigned long long kNoOffset = ~0ULL;
 
+  // Empty until Import; with key and offsets of a packet that was read generically, if one is given.
   PartitionPack();
   explicit PartitionPack(OxSharedPtr<KLVPacket> packet);
   ~PartitionPack() override;
@@ -40,6 +41,7 @@ class CLIPPARSER_EXPORT PartitionPack : public KLVPacket {
   [[nodiscard]] unsigned int BodySID() const { return m_bodySID; }
   // Empty before an import, and after one that was cut before it.
   [[nodiscard]] OxSharedPtr<MxfUUID> OperationalPattern() const { return m_operationalPattern; }
+  // Essence container labels in the pack.
   [[nodiscard]] unsigned int EssenceCount() const;
   // Empty when `index` is not below the count.
   [[nodiscard]] OxSharedPtr<MxfUUID> EssenceAtIndex(unsigned int index) const;

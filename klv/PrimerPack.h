@@ -15,6 +15,7 @@
 //  10 + 18i  16  label of item i
 class CLIPPARSER_EXPORT PrimerPack : public KLVPacket {
  public:
+  // Empty until Import; with key and offsets of a packet that was read generically, if one is given.
   PrimerPack();
   explicit PrimerPack(OxSharedPtr<KLVPacket> packet);
   ~PrimerPack() override;

@@ -7,7 +7,7 @@
 
 // One partition in the random index pack.
 struct _RandomIndex {
-  unsigned int bodySID;
+  unsigned int bodySID;           // 0: the partition has no essence
   unsigned long long byteOffset;  // of the partition pack, from the start of the file
 };
 
@@ -20,10 +20,12 @@ struct _RandomIndex {
 //   the last  4  overall length of the pack, key and length field included; not compared with anything here
 class CLIPPARSER_EXPORT RandomIndexPack : public KLVPacket {
  public:
+  // Empty until Import; with key and offsets of a packet that was read generically, if one is given.
   RandomIndexPack();
   explicit RandomIndexPack(OxSharedPtr<KLVPacket> packet);
   ~RandomIndexPack() override;
 
+  // Partitions in the pack.
   [[nodiscard]] unsigned int Count() const { return static_cast<unsigned int>(m_entries.size()); }
   // False, with the output untouched, when `index` is not below the count.
   [[nodiscard]] bool GetBodySIDAtIndex(unsigned int index, unsigned int& sid) const;

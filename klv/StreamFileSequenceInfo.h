@@ -12,6 +12,7 @@
 // Other tags are skipped; a repeated item replaces the one before it.
 class CLIPPARSER_EXPORT StreamFileSequenceInfo : public KLVPacket {
  public:
+  // Empty until Import; with key and offsets of a packet that was read generically, if one is given.
   StreamFileSequenceInfo();
   explicit StreamFileSequenceInfo(OxSharedPtr<KLVPacket> packet);
   ~StreamFileSequenceInfo() override;

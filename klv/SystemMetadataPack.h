@@ -18,11 +18,13 @@
 // The names UnibersalLabel and UserDataType are spelled so.
 class CLIPPARSER_EXPORT SystemMetadataPack : public KLVPacket {
  public:
+  // Bytes of a date.
   static constexpr unsigned int kDateSize = 16;
   // Byte places in the value that camera queries read without importing the pack.
   static constexpr long long kCreationDateOffset = 24;
   static constexpr long long kUserDateOffset = 41;
 
+  // Empty until Import; with key and offsets of a packet that was read generically, if one is given.
   SystemMetadataPack();
   explicit SystemMetadataPack(OxSharedPtr<KLVPacket> packet);
   ~SystemMetadataPack() override;
@@ -30,6 +32,7 @@ class CLIPPARSER_EXPORT SystemMetadataPack : public KLVPacket {
   // Zeroes every field but the universal label.
   void init();
 
+  // The fields as stored; 0 before an import.
   [[nodiscard]] unsigned char SystemItemBitmap() const { return m_systemItemBitmap; }
   [[nodiscard]] unsigned char ContentPackageRate() const { return m_contentPackageRate; }
   [[nodiscard]] unsigned char ContentPackageType() const { return m_contentPackageType; }

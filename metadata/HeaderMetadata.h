@@ -48,14 +48,18 @@ class CLIPPARSER_EXPORT HeaderMetadata : public OxObject {
   unsigned int SetIdentification();
   unsigned int SetContentStorage();
 
+  // A value of the preface.
   [[nodiscard]] OxSharedPtr<OxObject> PrefaceInfoForTag(_LocalTag tag) const;
   // The list itself, of STMetadataSets.
   [[nodiscard]] OxSharedPtr<OxArray> Identifications() const;
+  // How many there are, and a value of one of them.
   [[nodiscard]] unsigned int IdentificationCount() const;
   [[nodiscard]] OxSharedPtr<OxObject> IdentificationInfoForTag(_LocalTag tag, unsigned int index) const;
+  // The same for the sets of essence container data.
   [[nodiscard]] unsigned int EssenceContainerDataCount() const;
   [[nodiscard]] OxSharedPtr<OxObject> EssenceContainerDataForTag(_LocalTag tag, unsigned int index) const;
 
+  // Material packages in the content storage.
   [[nodiscard]] unsigned int MaterialPackageCount() const;
   // The Package UID of the first material package.
   [[nodiscard]] OxSharedPtr<UMID> MaterialPackageUMID() const;

@@ -7,8 +7,8 @@
 
 // One component of an RGBA pixel: its code letter and its depth in bits (SMPTE ST 377-1).
 struct CLIPPARSER_EXPORT tagRGBALayout {
-  unsigned char code;
-  unsigned char depth;
+  unsigned char code;   // 'R', 'G', 'B', 'A' and so on; 0 ends the layout
+  unsigned char depth;  // bits
 };
 
 // One structural metadata set of the header metadata (SMPTE ST 377-1): preface, package, track, descriptor and so on.
@@ -19,6 +19,7 @@ struct CLIPPARSER_EXPORT tagRGBALayout {
 // Threads: once imported, a set may be asked from any number of threads.
 class CLIPPARSER_EXPORT STMetadataSets : public LocalSets {
  public:
+  // Empty until Import; with key and offsets of a packet that was read generically, if one is given.
   STMetadataSets();
   explicit STMetadataSets(OxSharedPtr<KLVPacket> packet);
   ~STMetadataSets() override;

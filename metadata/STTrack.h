@@ -17,6 +17,7 @@ class CLIPPARSER_EXPORT STTrack : public OxObject {
   STTrack();
   ~STTrack() override;
 
+  // The track's properties as stored; 0 before SetTrack and SetSequence.
   [[nodiscard]] unsigned int TrackID() const { return m_trackID; }
   [[nodiscard]] unsigned int TrackNumber() const { return m_trackNumber; }
   [[nodiscard]] _Rational EditRate() const { return m_editRate; }  // edit units per second
@@ -24,6 +25,7 @@ class CLIPPARSER_EXPORT STTrack : public OxObject {
   [[nodiscard]] long long Duration() const { return m_duration; }  // edit units
   // What the track carries, for comparison with FBC_UL_PictureEssenceTrack and its like; empty before SetSequence.
   [[nodiscard]] OxSharedPtr<MxfUUID> DataDefinition() const { return m_dataDefinition; }
+  // Pairs of component and descriptor.
   [[nodiscard]] unsigned int ComponentCount() const { return static_cast<unsigned int>(m_components->Count()); }
 
   // Turns labels into tags for ValueForUUID. An empty pointer is stored too.

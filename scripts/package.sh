@@ -5,6 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install.sh build package >&2
 
+command -v ccache >/dev/null && export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 cmake --preset package >/dev/null
 cmake --build --preset package >&2
 rm -f build/package/*.deb

@@ -21,7 +21,7 @@ constexpr unsigned char kBodyPartitionComplete = kBodyPartitionExists | kBodyPar
 
 // One body partition.
 struct _BodyPartitionInfo {
-  unsigned char infoFlag;
+  unsigned char infoFlag;            // kBodyPartition... values, added up
   unsigned long long fileOffset;     // of the partition pack
   unsigned long long streamOffset;   // the pack's BodyOffset: where its essence begins in the essence stream
   unsigned long long essenceOffset;  // the pack's ContentOffset: where its essence begins in the file
@@ -44,8 +44,11 @@ class CLIPPARSER_EXPORT BodyPartitionArray : public OxObject {
   BodyPartitionArray();
   ~BodyPartitionArray() override;
 
+  // Body partitions in the array.
   [[nodiscard]] unsigned int Count() const { return static_cast<unsigned int>(m_partitions.size()); }
+  // Removes all partitions with their segments.
   void Clear();
+  // Add a partition whose pack lies at a file offset, as the first or last one. Nothing is read yet.
   void AddFront(unsigned long long fileOffset);
   void AddBack(unsigned long long fileOffset);
 
@@ -75,6 +78,7 @@ class CLIPPARSER_EXPORT BodyPartitionArray : public OxObject {
   [[nodiscard]] bool GetContainIndexTableSegment(long long editUnit, unsigned int& index,
                                                  unsigned int& segmentNumber) const;
 
+  // What the index says of an edit unit (ST 377-1): display order, key frame, flags. False when no segment covers it.
   [[nodiscard]] bool GetTemporalOffset(long long editUnit, signed char& offset) const;
   [[nodiscard]] bool GetKeyFrameOffset(long long editUnit, signed char& offset) const;
   [[nodiscard]] bool GetFlags(long long editUnit, unsigned char& flags) const;

@@ -47,8 +47,8 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   // package. Call it once: on a file without a random index pack a second call lists its partitions twice. A disk that
   // fails on the way fails it; the file wants a new clip then.
   unsigned int Parse();
-  // The steps of Parse.
-  // The pack that the last four bytes of the file lead to. Its absence is not a failure of Parse.
+  // Steps of Parse, this one and those below. The pack that the last four bytes of the file lead to; its absence is not
+  // a failure of Parse.
   unsigned int ReadRandomIndexPack();
   // At the first entry of the random index pack or, when that does not lead there, by a walk from offset 0.
   unsigned int ReadHeaderPartitionPack();
@@ -56,12 +56,14 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   unsigned int ConstructBodyPartitionArrayFromStream();
   // Reads HeaderByteCount bytes from ThisPartition + KAGSize on; sets read before a failure stay.
   unsigned int ParseHeaderPartition();
+  // Takes the duration from the first track of the first material package; see Duration.
   unsigned int AnalysisDuration();
 
   // --- What the header tells ---
 
   // In edit units of the first track; 0 until AnalysisDuration sets it. A clip that is still being recorded may say -1.
   [[nodiscard]] long long Duration() const { return m_duration; }
+  // What the header metadata says; filled by ParseHeaderPartition, never empty.
   [[nodiscard]] OxSharedPtr<HeaderMetadata> GetHeaderMetadata() const { return m_headerMetadata; }
   // Empty before a successful ReadHeaderPartitionPack.
   [[nodiscard]] OxSharedPtr<PartitionPack> GetHeaderPartitionPack() const { return m_headerPartitionPack; }
