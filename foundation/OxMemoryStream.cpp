@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+#include "foundation/CopyBytes.h"
+
 OxMemoryStream::OxMemoryStream(const void* data, unsigned long long size, bool)
     : OxMemoryStream(data != nullptr ? std::unique_ptr<unsigned char[]>(new unsigned char[size]) : nullptr,
                      data != nullptr ? size : 0) {
@@ -39,7 +41,7 @@ long long OxMemoryStream::Read(unsigned char* buffer, unsigned long long size, l
   if (buffer == nullptr) return 0;
   const _OxRange range = CalcReadRange(size, offset, origin);
   if (range.length == 0) return 0;
-  std::memcpy(buffer, m_bytes.get() + range.location, range.length);
+  CopyBytes(buffer, m_bytes.get() + range.location, range.length);
   if (origin != kOxStreamSeekFromStart) m_position = static_cast<long long>(range.location + range.length);
   return static_cast<long long>(range.length);
 }

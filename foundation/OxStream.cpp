@@ -1,7 +1,5 @@
 #include "foundation/OxStream.h"
 
-#include <algorithm>
-
 namespace {
 
 // Two's-complement sum: Seek checks no bounds, and a position that wraps is one that no read accepts.
@@ -35,13 +33,8 @@ long long OxStream::WriteCFData(const CFData*, long long, OxStream_Seek_Origin) 
 
 OxStream& OxStream::operator=(const OxStream&) { return *this; }
 
-_OxRange OxStream::CalcReadRange(unsigned long long size, long long offset, OxStream_Seek_Origin origin) const {
-  constexpr _OxRange kNothing = {0, 0};
-  long long start = offset;
-  if (origin == kOxStreamSeekFromCurrent) start = WrappingSum(m_position, offset);
-  if (origin == kOxStreamSeekFromEnd) start = WrappingSum(static_cast<long long>(m_length), offset);
-  if (origin < kOxStreamSeekFromStart || origin > kOxStreamSeekFromEnd) return kNothing;
-  if (start < 0 || static_cast<unsigned long long>(start) >= m_length) return kNothing;
-  const auto location = static_cast<unsigned long long>(start);
-  return {location, std::min(size, m_length - location)};
+_OxRange OxStream::CalcReadRangeFrom(OxStream_Seek_Origin origin, unsigned long long size, long long offset) const {
+  if (origin != kOxStreamSeekFromCurrent && origin != kOxStreamSeekFromEnd) return {0, 0};
+  const long long from = origin == kOxStreamSeekFromCurrent ? m_position : static_cast<long long>(m_length);
+  return CalcReadRange(size, WrappingSum(from, offset), kOxStreamSeekFromStart);
 }

@@ -1,6 +1,8 @@
 #ifndef CLIPPARSER_FOUNDATION_OXSTREAM_H
 #define CLIPPARSER_FOUNDATION_OXSTREAM_H
 
+#include <algorithm>
+
 #include "foundation/Export.h"
 #include "foundation/OxObject.h"
 #include "foundation/OxSharedPtr.h"
@@ -54,7 +56,12 @@ class CLIPPARSER_EXPORT OxStream : public OxObject {
 
   // The part of a wanted read that the stream holds. Length 0 when it starts before the stream or at or beyond its
   // end: a start is never moved, so a read at a wrong place gives nothing rather than other bytes.
-  [[nodiscard]] _OxRange CalcReadRange(unsigned long long size, long long offset, OxStream_Seek_Origin origin) const;
+  [[nodiscard]] _OxRange CalcReadRange(unsigned long long size, long long offset, OxStream_Seek_Origin origin) const {
+    if (origin != kOxStreamSeekFromStart) return CalcReadRangeFrom(origin, size, offset);
+    if (offset < 0 || static_cast<unsigned long long>(offset) >= m_length) return {0, 0};
+    const auto location = static_cast<unsigned long long>(offset);
+    return {location, std::min(size, m_length - location)};
+  }
 
  protected:
   OxStream();
@@ -66,6 +73,10 @@ class CLIPPARSER_EXPORT OxStream : public OxObject {
   long long m_position = 0;  // of Seek, and of reads that count from it
 
  private:
+  // For the other origins.
+  [[nodiscard]] _OxRange CalcReadRangeFrom(OxStream_Seek_Origin origin, unsigned long long size,
+                                           long long offset) const;
+
   unsigned long long m_length = 0;
 };
 
