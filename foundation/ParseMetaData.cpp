@@ -185,13 +185,10 @@ OxSharedPtr<UMID> ParseMetaData::GetUMID() {
 }
 
 OxSharedPtr<OxMutableArray> ParseMetaData::GetUUIDArray(unsigned long long mostItems) {
-  const unsigned long long start = m_position;
-  unsigned int count = 0;
-  unsigned int itemSize = 0;
-  if (!GetUInt32(&count) || !GetUInt32(&itemSize)) {
-    m_position = start;
-    return {};
-  }
+  unsigned char header[4 + 4];
+  if (!GetBytes(header, sizeof(header))) return {};
+  const auto count = LoadBigEndian<unsigned int>(header);
+  const auto itemSize = LoadBigEndian<unsigned int>(header + 4);
   OxSharedPtr<OxMutableArray> array(new OxMutableArray);
   if (itemSize != MxfUUID::kSize) return array;
   const unsigned long long wanted = count > kSuspiciousCount ? std::min<unsigned long long>(count, mostItems) : count;

@@ -1,7 +1,10 @@
 #include "klv/KLVPacket.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
+
+#include "foundation/BigEndian.h"
 
 KLVPacket::KLVPacket() = default;
 
@@ -28,12 +31,36 @@ unsigned int KLVPacket::Import(OxSharedPtr<OxStream>, long long) { return kStatu
 // The packet operations of the byte reader. They stand here because they know packets, which the reader's own layer
 // does not.
 
+namespace {
+
+constexpr unsigned int kMostLengthBytes = 4;
+constexpr unsigned int kLongestHead = MxfUUID::kSize + 1 + kMostLengthBytes;
+// Reads ahead end where a file's block may end: the next one might not be needed.
+constexpr unsigned long long kBlockSize = 65536;
+
+}  // namespace
+
+bool ParseMetaData::GetKeyAndLengthAtOnce(MxfUUID& key, unsigned int& length) {
+  unsigned char head[kLongestHead];
+  const unsigned long long there = std::min(RestLength(), kBlockSize - m_position % kBlockSize);
+  const unsigned long long count = std::min<unsigned long long>(there, kLongestHead);
+  if (count <= MxfUUID::kSize || !PeekBytes(head, count)) return false;
+  const unsigned char* berBytes = head + MxfUUID::kSize;
+  const unsigned int lengthBytes = *berBytes < 0x80 ? 0 : *berBytes & 0x7Fu;
+  const unsigned int size = MxfUUID::kSize + 1 + lengthBytes;
+  if (*berBytes == 0x80 || size > count) return false;
+  key.SetKey(head);
+  length = lengthBytes == 0 ? *berBytes : LoadBigEndian<unsigned int>(berBytes + 1, lengthBytes);
+  m_position += size;
+  return true;
+}
+
 PacketHead ParseMetaData::ReadKeyAndLength(KLVPacket* packet) {
   if (packet == nullptr || !m_stream) return PacketHead::Failed;
   const unsigned long long start = m_position;
   MxfUUID key;
   unsigned int length = 0;
-  if (!GetUUID(&key) || !GetBER(&length)) {
+  if (!GetKeyAndLengthAtOnce(key, length) && (!GetUUID(&key) || !GetBER(&length))) {
     m_position = start;
     return PacketHead::Failed;
   }

@@ -2,9 +2,13 @@
 
 #include <algorithm>
 
+#include "foundation/FieldBytes.h"
+
 namespace {
 
-constexpr unsigned long long kLabelsOffset = 80 + 8;  // from the value's start to the first essence container label
+constexpr unsigned int kFixedSize = 2 + 2 + 4 + 5 * 8 + 4 + 8 + 4 + 16;
+constexpr unsigned long long kLabelsOffset =
+    kFixedSize + 8;  // from the value's start to the first essence container label
 
 }  // namespace
 
@@ -43,11 +47,19 @@ bool PartitionPack::isImportable() {
 unsigned int PartitionPack::Import(OxSharedPtr<OxStream> stream, long long offset) {
   if (!stream) return kStatusNoInput;
   ParseMetaData reader(stream);
-  const bool isRead = reader.SetOffset(offset, kOxStreamSeekFromStart) && ReadNumbers(reader) && ReadLabels(reader);
+  const bool isRead = reader.SetOffset(offset, kOxStreamSeekFromStart) &&
+                      DecodeFixed<kFixedSize>(reader, [this](auto& fields) { return ReadFixedPart(fields); }) &&
+                      ReadLabels(reader);
   return isRead ? kStatusOK : kStatusUnreadable;
 }
 
-bool PartitionPack::ReadNumbers(ParseMetaData& reader) {
+template <class Reader>
+bool PartitionPack::ReadFixedPart(Reader& reader) {
+  return ReadNumbers(reader) && (m_operationalPattern = reader.GetUUID());
+}
+
+template <class Reader>
+bool PartitionPack::ReadNumbers(Reader& reader) {
   return reader.GetUInt16(&m_majorVersion) && reader.GetUInt16(&m_minorVersion) && reader.GetUInt32(&m_kagSize) &&
          reader.GetUInt64(&m_thisPartition) && reader.GetUInt64(&m_previousPartition) &&
          reader.GetUInt64(&m_footerPartition) && reader.GetUInt64(&m_headerByteCount) &&
@@ -56,8 +68,6 @@ bool PartitionPack::ReadNumbers(ParseMetaData& reader) {
 }
 
 bool PartitionPack::ReadLabels(ParseMetaData& reader) {
-  m_operationalPattern = reader.GetUUID();
-  if (!m_operationalPattern) return false;
   m_essenceContainers = reader.GetUUIDArray(MostLabels());
   return static_cast<bool>(m_essenceContainers);
 }

@@ -64,7 +64,10 @@ class CLIPPARSER_EXPORT PartitionPack : public KLVPacket {
   unsigned int Import(OxSharedPtr<OxStream> stream, long long offset) override;
 
  private:
-  bool ReadNumbers(ParseMetaData& reader);
+  template <class Reader>
+  bool ReadFixedPart(Reader& reader);
+  template <class Reader>
+  bool ReadNumbers(Reader& reader);
   bool ReadLabels(ParseMetaData& reader);
   [[nodiscard]] unsigned long long MostLabels() const;
 

@@ -1,13 +1,16 @@
 #include "klv/PrimerPack.h"
 
+#include <algorithm>
 #include <string>
 
+#include "foundation/FieldBytes.h"
 #include "foundation/FormatText.h"
 
 namespace {
 
 constexpr unsigned long long kHeaderSize = 4 + 4;
 constexpr unsigned int kItemSize = 2 + 16;
+constexpr unsigned int kItemsAtOnce = 256;
 
 }  // namespace
 
@@ -60,11 +63,19 @@ bool PrimerPack::isOverrun(const ParseMetaData& reader, unsigned int count) cons
 }
 
 bool PrimerPack::ReadItems(ParseMetaData& reader, unsigned int count) {
-  for (unsigned int i = 0; i < count; ++i) {
-    unsigned short tag = 0;
-    MxfUUID label;
-    if (!reader.GetUInt16(&tag) || !reader.GetUUID(&label)) return false;
-    m_tags.emplace(label, tag);
+  unsigned char bytes[kItemsAtOnce * kItemSize];
+  for (unsigned int rest = count; rest > 0;) {
+    const unsigned int items = std::min(rest, kItemsAtOnce);
+    if (!reader.GetBytes(bytes, items * kItemSize)) return false;
+    FieldBytes fields(bytes);
+    for (unsigned int i = 0; i < items; ++i) {
+      unsigned short tag = 0;
+      MxfUUID label;
+      fields.GetUInt16(&tag);
+      fields.GetUUID(&label);
+      m_tags.emplace(label, tag);
+    }
+    rest -= items;
   }
   return true;
 }

@@ -1,8 +1,13 @@
 #include "klv/RandomIndexPack.h"
 
+#include <algorithm>
+
+#include "foundation/FieldBytes.h"
+
 namespace {
 
 constexpr unsigned long long kEntrySize = 4 + 8;
+constexpr unsigned long long kEntriesAtOnce = 512;
 
 }  // namespace
 
@@ -39,10 +44,17 @@ unsigned int RandomIndexPack::Import(OxSharedPtr<OxStream> stream, long long off
 
 bool RandomIndexPack::ReadEntries(ParseMetaData& reader) {
   if (Length() > reader.RestLength()) return false;
-  for (unsigned long long remaining = Length(); remaining >= kEntrySize; remaining -= kEntrySize) {
-    _RandomIndex entry{};
-    if (!reader.GetUInt32(&entry.bodySID) || !reader.GetUInt64(&entry.byteOffset)) return false;
-    m_entries.push_back(entry);
+  unsigned char bytes[kEntriesAtOnce * kEntrySize];
+  for (unsigned long long rest = Length() / kEntrySize; rest > 0;) {
+    const auto count = static_cast<unsigned int>(std::min(rest, kEntriesAtOnce));
+    if (!reader.GetBytes(bytes, static_cast<unsigned int>(count * kEntrySize))) return false;
+    FieldBytes fields(bytes);
+    for (unsigned int i = 0; i < count; ++i) {
+      _RandomIndex& entry = m_entries.emplace_back();
+      fields.GetUInt32(&entry.bodySID);
+      fields.GetUInt64(&entry.byteOffset);
+    }
+    rest -= count;
   }
   return true;
 }

@@ -2,6 +2,14 @@
 
 #include <algorithm>
 
+#include "foundation/FieldBytes.h"
+
+namespace {
+
+constexpr unsigned int kValueSize = 1 + 1 + 1 + 2 + 2 + 16 + 2 * (1 + SystemMetadataPack::kDateSize);
+
+}  // namespace
+
 SystemMetadataPack::SystemMetadataPack() = default;
 
 SystemMetadataPack::SystemMetadataPack(OxSharedPtr<KLVPacket> packet) : KLVPacket(packet) {}
@@ -35,13 +43,19 @@ bool SystemMetadataPack::isImportable() { return PacketType() == kKeySystemMetad
 unsigned int SystemMetadataPack::Import(OxSharedPtr<OxStream> stream, long long offset) {
   if (!stream) return kStatusNoInput;
   ParseMetaData reader(stream);
-  const bool isRead = reader.SetOffset(offset, kOxStreamSeekFromStart) && ReadHead(reader) &&
-                      ReadDate(reader, m_creationDateType, m_creationDate) &&
-                      ReadDate(reader, m_userDateType, m_userDate);
+  const bool isRead = reader.SetOffset(offset, kOxStreamSeekFromStart) &&
+                      DecodeFixed<kValueSize>(reader, [this](auto& fields) { return ReadFields(fields); });
   return isRead ? kStatusOK : kStatusUnreadable;
 }
 
-bool SystemMetadataPack::ReadHead(ParseMetaData& reader) {
+template <class Reader>
+bool SystemMetadataPack::ReadFields(Reader& reader) {
+  return ReadHead(reader) && ReadDate(reader, m_creationDateType, m_creationDate) &&
+         ReadDate(reader, m_userDateType, m_userDate);
+}
+
+template <class Reader>
+bool SystemMetadataPack::ReadHead(Reader& reader) {
   if (!reader.GetUInt8(&m_systemItemBitmap) || !reader.GetUInt8(&m_contentPackageRate) ||
       !reader.GetUInt8(&m_contentPackageType) || !reader.GetUInt16(&m_channelHandle) ||
       !reader.GetUInt16(&m_continuityCount)) {
@@ -51,7 +65,8 @@ bool SystemMetadataPack::ReadHead(ParseMetaData& reader) {
   return static_cast<bool>(m_universalLabel);
 }
 
-bool SystemMetadataPack::ReadDate(ParseMetaData& reader, unsigned int& type, Date& date) {
+template <class Reader>
+bool SystemMetadataPack::ReadDate(Reader& reader, unsigned int& type, Date& date) {
   unsigned char stored = 0;
   const bool isTypeRead = reader.GetUInt8(&stored);
   type = stored == 0x81 || stored == 0x82 ? stored : 0;

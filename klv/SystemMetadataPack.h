@@ -61,8 +61,12 @@ class CLIPPARSER_EXPORT SystemMetadataPack : public KLVPacket {
  private:
   using Date = std::array<unsigned char, kDateSize>;
 
-  bool ReadHead(ParseMetaData& reader);
-  static bool ReadDate(ParseMetaData& reader, unsigned int& type, Date& date);
+  template <class Reader>
+  bool ReadFields(Reader& reader);
+  template <class Reader>
+  bool ReadHead(Reader& reader);
+  template <class Reader>
+  static bool ReadDate(Reader& reader, unsigned int& type, Date& date);
 
   unsigned char m_systemItemBitmap = 0;
   unsigned char m_contentPackageRate = 0;

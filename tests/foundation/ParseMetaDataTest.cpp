@@ -155,7 +155,7 @@ TEST(ParseMetaDataTest, AnyReadThatComesUpShortLeavesThePosition) {
   ExpectNoMoveWhenShort("object identifier", 3, &ParseMetaData::GetOIDBER);
   ExpectNoMoveWhenShort<MxfUUID>("key", 1, &ParseMetaData::GetUUID);
   ExpectNoMoveWhenShort("extended UMID", 2, [](auto& reader) { return reader.GetUMID(); });
-  ExpectNoMoveWhenShort("batch header", 2, [](auto& reader) { return reader.GetUUIDArray(); });
+  ExpectNoMoveWhenShort("batch header", 1, [](auto& reader) { return reader.GetUUIDArray(); });
   ExpectNoMoveWhenShort("bytes", 1, [](auto& reader) { return reader.GetEnum(12); });
   ExpectNoMoveWhenShort("text", 1, [](auto& reader) { return reader.GetUTF16String(12); });
   ExpectNoMoveWhenShort("copy", 1, [](auto& reader) { return reader.CopyMemoryStream(12); });

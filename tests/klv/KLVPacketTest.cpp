@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/support/Bytes.h"
 
 namespace {
@@ -38,6 +40,60 @@ TEST(KLVPacketTest, EveryPrefixOfAPacketFailsAndTheReaderStaysAtTheKey) {
     EXPECT_EQ(isHeadThere, reader.ParseKeyAndLength(&packet)) << size;
     EXPECT_EQ(isHeadThere ? 1 + kHeadSize : 1, reader.offset()) << size;
     EXPECT_EQ(kKeyNotSMPTE, packet.PacketType()) << size;
+  }
+}
+
+// Zeros, but for a few bytes at one place. Remembers the last block of 64 KiB that was asked for.
+class SparseStream : public OxStream {
+ public:
+  SparseStream(unsigned long long start, const Bytes& bytes) : m_start(start), m_bytes(bytes) {
+    SetLength(start + bytes.Size());
+  }
+  using OxStream::operator=;
+  long long Read(unsigned char* buffer, unsigned long long size, long long offset, OxStream_Seek_Origin) override {
+    const _OxRange range = CalcReadRange(size, offset, 0);
+    for (unsigned long long i = 0; i < range.length; ++i) {
+      const unsigned long long at = range.location + i;
+      buffer[i] = at < m_start ? 0 : m_bytes.Data()[at - m_start];
+      lastBlock = std::max(lastBlock, at / 65536);
+    }
+    return static_cast<long long>(range.length);
+  }
+  unsigned long long lastBlock = 0;
+
+ private:
+  unsigned long long m_start;
+  Bytes m_bytes;
+};
+
+TEST(KLVPacketTest, KeyAndLengthTakenAtOnceAreThoseTakenInStepsFromTheSameBlocks) {
+  for (unsigned long long start = 65536 - 22; start <= 65536; ++start) {
+    for (const int first : {0x00, 0x01, 0x7F, 0x80, 0x81, 0x82, 0x83, 0x84, 0x85, 0x88, 0xFF}) {
+      const Bytes whole = Bytes(kPrimerPackKey).Raw({first, 0, 0, 0, 1}).Fill(3);
+      for (std::size_t size = 0; size <= whole.Size(); ++size) {
+        const OxSharedPtr<SparseStream> atOnce(new SparseStream(start, whole.First(size)));
+        const OxSharedPtr<SparseStream> inSteps(new SparseStream(start, whole.First(size)));
+        ParseMetaData reader(atOnce), steps(inSteps);
+        steps.SetOffset(static_cast<long long>(start), 0);
+        MxfUUID key;
+        unsigned int length = 0;
+        const bool isHead = steps.GetUUID(&key) && steps.GetBER(&length);
+        if (!isHead) steps.SetOffset(static_cast<long long>(start), 0);
+        const bool isPacket = isHead && length <= steps.RestLength();
+        reader.SetOffset(static_cast<long long>(start), 0);
+        KLVPacket packet;
+        SCOPED_TRACE(testing::Message() << start << ", first length byte " << first << ", cut to " << size);
+        ASSERT_EQ(isPacket ? PacketHead::Read
+                  : isHead ? PacketHead::PastEnd
+                           : PacketHead::Failed,
+                  reader.ReadKeyAndLength(&packet));
+        ASSERT_EQ(steps.offset(), reader.offset());
+        ASSERT_EQ(isPacket ? length : 0, packet.Length());
+        ASSERT_EQ(isPacket ? start : 0, packet.Offset());
+        ASSERT_EQ(isPacket ? kKeyPrimerPack : kKeyNotSMPTE, packet.PacketType());
+        ASSERT_EQ(inSteps->lastBlock, atOnce->lastBlock);
+      }
+    }
   }
 }
 

@@ -99,6 +99,31 @@ TEST(RandomIndexPackTest, WholeEntriesAreReadAndAFailureLeavesNone) {
   }
 }
 
+TEST(PacksTest, LongListsAreReadWholeOrNotAtAll) {
+  constexpr unsigned int kCount = 1500;
+  Bytes partitions, labels;
+  for (unsigned int i = 0; i < kCount; ++i) {
+    partitions.U32(i).U64(i + 0x100000000ULL);
+    labels.Raw(Entry(i, i));
+  }
+  const auto list = Imported<RandomIndexPack>(kRandomIndexPackKey, partitions);
+  const auto primer = Imported<PrimerPack>(kPrimerPackKey, Batch(kCount, 18, labels));
+  ASSERT_EQ(kCount, list->Count());
+  for (unsigned int i = 0; i < kCount; ++i) {
+    unsigned int sid = 0;
+    unsigned long long offset = 0;
+    ASSERT_TRUE(list->GetBodySIDAtIndex(i, sid) && list->GetOffsetAtIndex(i, offset));
+    ASSERT_EQ(i, sid);
+    ASSERT_EQ(i + 0x100000000ULL, offset);
+    unsigned short tag = 0;
+    const MxfUUID label(Uid(i).Data());
+    ASSERT_TRUE(primer->UIDToTag(&tag, &label));
+    ASSERT_EQ(i, tag);
+  }
+  EXPECT_EQ(kStatusUnreadable, primer->Import(Batch(kCount, 18, labels.First(kCount * 18 - 1)).Stream(), 0));
+  EXPECT_EQ("{\n}", Text(primer));
+}
+
 TEST(SystemMetadataPackTest, ACutKeepsWhatIsBeforeItAndOnlyKnownDateTypesAreKept) {
   for (const int type : {0x80, 0x81, 0x82, 0x83, 0x02}) {
     const Bytes value = Bytes{0x5C, 2, 3, 4, 5, 6, 7}.Raw(Uid(1)).Raw({type}).Fill(16, 0xC0).Raw({type}).Fill(16, 0xD0);
