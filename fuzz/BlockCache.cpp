@@ -1,4 +1,3 @@
-#include <cstring>
 #include <deque>
 #include <list>
 
@@ -30,6 +29,8 @@ class CacheModel {
     unsigned char* bytes;
   };
 
+  static unsigned char Mark(unsigned long long offset) { return static_cast<unsigned char>(offset / kBlockSize); }
+
   void Step(unsigned int step, unsigned long long offset) {
     auto block = std::find_if(m_used.begin(), m_used.end(), [offset](const Block& b) { return b.offset == offset; });
     const bool isUsed = block != m_used.end();
@@ -43,19 +44,18 @@ class CacheModel {
       unsigned char* bytes = m_cache->GetMemoryBufferAtFileOffset(offset);
       MUST(bytes == (isUsed ? block->bytes : nullptr));
       if (!isUsed) return;
-      MUST(std::memcmp(bytes, &offset, sizeof offset) == 0 && bytes[kBlockSize - 1] == offset / kBlockSize % 256);
+      MUST(bytes[0] == Mark(offset) && bytes[kBlockSize - 1] == Mark(offset));
       m_used.splice(m_used.begin(), m_used, block);
     } else {
       unsigned char* bytes = m_cache->addCache(offset);
       if (!isUsed) {
-        auto victim = m_free.empty() ? m_used.back().bytes : m_free.back();
-        m_free.empty() ? m_used.pop_back() : m_free.pop_back();
-        block = m_used.insert(m_used.end(), {offset, victim});
+        if (!m_free.empty()) m_used.push_back({offset, m_free.back()}), m_free.pop_back();
+        block = std::prev(m_used.end());
+        block->offset = offset;
       }
       m_used.splice(m_used.begin(), m_used, block);
       MUST(bytes == block->bytes);
-      std::memcpy(bytes, &offset, sizeof offset);
-      bytes[kBlockSize - 1] = static_cast<unsigned char>(offset / kBlockSize % 256);
+      bytes[0] = bytes[kBlockSize - 1] = Mark(offset);
     }
   }
 

@@ -25,6 +25,12 @@ inline OxSharedPtr<OxStream> StreamOf(const std::uint8_t* data, std::size_t size
   return OxSharedPtr<OxMemoryStream>(new OxMemoryStream(data, size, false));
 }
 
+// Objects that were handed out are whole when they can be rendered.
+template <class... Object>
+void Render(const OxSharedPtr<Object>&... objects) {
+  (static_cast<void>(DigestOf(objects)), ...);
+}
+
 // Bytes that drive a sequence of calls; zeros when they are used up.
 class Script {
  public:

@@ -3,63 +3,49 @@
 #include <map>
 #include <string>
 
-#include "foundation/ULKey.h"
 #include "tests/support/ClipWriter.h"
 
-// Writes what fuzzing starts from: make-seeds DIRECTORY makes DIRECTORY/TARGET/NAME from small clips of each layout.
+// Writes what fuzzing starts from: make-seeds DIRECTORY makes DIRECTORY/TARGET/NAME from small clips of each layout and
+// from short scripts.
 
 namespace {
 
 using clipwriter::Bytes;
 using clipwriter::ClipOptions;
 
-class Seeds {
- public:
-  explicit Seeds(std::filesystem::path root) : m_root(std::move(root)) {}
-  void Write(const std::string& target, const std::string& name, const Bytes& bytes) const {
-    std::filesystem::create_directories(m_root / target);
-    std::ofstream file(m_root / target / name, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    if (!file.flush()) throw std::runtime_error("can't write " + name);
-  }
+std::filesystem::path root;
 
- private:
-  std::filesystem::path m_root;
-};
-
-const char* TargetOf(unsigned int keyType) {
-  if (keyType >= kKeyHeaderPartitionPack && keyType <= kKeyFooterPartitionPack) return "PartitionPack";
-  if (keyType == kKeyPrimerPack) return "PrimerPack";
-  if (keyType == kKeyRandomIndexPack) return "RandomIndexPack";
-  if (keyType == kKeySystemMetadataPack) return "SystemMetadataPack";
-  if (keyType == kKeyStreamFileSequenceInfo) return "StreamFileSequenceInfo";
-  if (keyType == kKeyIndexTableSegment) return "IndexTableSegment";
-  return isStructuralSet(keyType) ? "MetadataSet" : nullptr;
+void Write(const std::string& target, const std::string& name, const Bytes& bytes) {
+  std::filesystem::create_directories(root / target);
+  std::ofstream file(root / target / name, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  if (!file.flush()) throw std::runtime_error("can't write " + name);
 }
 
-// Each packet of a clip to its target, one of a kind; a set behind the primer pack that names its tags.
-void WritePackets(const Seeds& seeds, const std::string& name, const Bytes& clip) {
+// Each packet to its target, one of a name; a set behind the primer pack that names its tags.
+void WritePackets(const std::string& layout, const clipwriter::Clip& clip, const Bytes& file) {
+  const std::map<std::string, const char*> targets = {
+      {"HeaderPartition", "PartitionPack"},      {"BodyPartition", "PartitionPack"},
+      {"FooterPartition", "PartitionPack"},      {"PrimerPack", "PrimerPack"},
+      {"RandomIndexPack", "RandomIndexPack"},    {"StreamFileSequenceInfo", "StreamFileSequenceInfo"},
+      {"IndexTableSegment", "IndexTableSegment"}};
   Bytes primer;
-  for (std::size_t at = 0, next = 0; at + 20 < clip.size(); at = next) {
-    std::size_t length = clip[at + 16], head = 17;
-    if (length >= 0x80) {
-      head += length - 0x80, length = 0;
-      for (std::size_t i = at + 17; i < at + head; ++i) length = length << 8 | clip[i];
-    }
-    next = at + head + length;
-    const unsigned int type = ULKey(&clip[at]).GetKeyType();
-    const Bytes packet(&clip[at], &clip[at] + head + length);
-    if (type == kKeyPrimerPack) primer = packet;
-    if (const char* target = TargetOf(type)) {
-      Bytes seed = isStructuralSet(type) ? primer : Bytes();
-      seed.insert(seed.end(), packet.begin(), packet.end());
-      seeds.Write(target, name + "-" + std::to_string(type), seed);
-    }
+  for (const clipwriter::Field& field : clip.fields) {
+    const auto head = file.begin() + static_cast<std::ptrdiff_t>(field.offset);
+    const bool isPacket = field.kind == clipwriter::FieldKind::Length && field.width == 1 && *head == 0x83;
+    if (!isPacket || *field.name == 0) continue;
+    const Bytes packet(head - 16, head + 4 + (head[1] << 16 | head[2] << 8 | head[3]));
+    const auto target = targets.find(field.name);
+    Bytes seed = target == targets.end() ? primer : Bytes();
+    if (field.name == std::string("PrimerPack")) primer = packet;
+    seed.insert(seed.end(), packet.begin(), packet.end());
+    Write(target == targets.end() ? "MetadataSet" : target->second, layout + ' ' + field.name, seed);
   }
 }
 
 ClipOptions TinyClip() {
   ClipOptions options;
+  options.recordFields = true;
   options.kagSize = 256;
   options.partitionUnits = {3, 2};
   options.gopLength = 3;
@@ -83,7 +69,7 @@ std::map<std::string, ClipOptions> TinyClips() {
 }
 
 // Calls that fill one cache, then go over its blocks; partitions of which each has segments; one read after another.
-void WriteScripts(const Seeds& seeds) {
+void WriteScripts() {
   Bytes cache, partitions, reader = {24};
   for (unsigned char i = 0; i < 66; ++i) cache.insert(cache.end(), {1, i, 2, static_cast<unsigned char>(i / 2)});
   for (unsigned char i = 0; i < 4; ++i) {
@@ -94,24 +80,26 @@ void WriteScripts(const Seeds& seeds) {
   }
   for (unsigned char i = 0; i < 24; ++i) reader.push_back(i);
   for (unsigned char i = 0; i < 128; ++i) reader.push_back(i % 5 == 0 ? 0x82 : i % 3);
-  seeds.Write("BlockCache", "more-blocks-than-it-has", cache);
-  seeds.Write("BodyPartitionArray", "four-partitions", partitions);
-  seeds.Write("ByteReader", "each-call", reader);
+  Write("BlockCache", "more-blocks-than-it-has", cache);
+  Write("BodyPartitionArray", "four-partitions", partitions);
+  Write("ByteReader", "each-call", reader);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 2) return 2;
-  const Seeds seeds(argv[1]);
+  root = argv[1];
   for (const auto& [name, options] : TinyClips()) {
     clipwriter::MemorySink file;
     const clipwriter::Clip clip = clipwriter::WriteClip(options, file);
-    seeds.Write("Clip", name, file.bytes);
+    Write("Clip", name, file.bytes);
     const auto header = file.bytes.begin() + static_cast<std::ptrdiff_t>(clip.partitions[0].headerOffset);
-    seeds.Write("HeaderMetadata", name, {header, header + static_cast<std::ptrdiff_t>(clip.partitions[0].headerBytes)});
-    WritePackets(seeds, name, file.bytes);
+    Write("HeaderMetadata", name, {header, header + static_cast<std::ptrdiff_t>(clip.partitions[0].headerBytes)});
+    WritePackets(name, clip, file.bytes);
+    const auto system = file.bytes.begin() + static_cast<std::ptrdiff_t>(clip.ElementAt(0, 0).offset);
+    Write("SystemMetadataPack", name, {system, system + 16 + 4 + 57});
   }
-  WriteScripts(seeds);
+  WriteScripts();
   return 0;
 }

@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     MUST(pack.CreationDate(date) && std::equal(date, date + sizeof(date), pack.CreationDate()));
     MUST(pack.UserDate(date) && std::equal(date, date + sizeof(date), pack.UserDate()));
-    static_cast<void>(DigestOf(pack.UnibersalLabel()));
+    Render(pack.UnibersalLabel());
     pack.init();
     MUST(pack.SystemItemBitmap() == 0 && pack.ContinuityCount() == 0 && pack.UserDate()[0] == 0);
   });
