@@ -1,9 +1,6 @@
 #include "cache/CacheFileStream.h"
 
 #include <fcntl.h>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
 
 #include <memory>
 
@@ -174,36 +171,10 @@ TEST_F(CacheFileStreamTest, ABlockIsZeroBeyondTheEndOfTheFile) {
   for (int i = 1; i < 1000; ++i) ASSERT_EQ(0, bytes[i]) << i;
 }
 
-TEST_F(CacheFileStreamTest, OnlyARegularFileThatMayBeReadIsOpened) {
-  const std::string file = folder.PatternFile(0, 10);
-  ASSERT_EQ(0, ::mkfifo(folder.Path("pipe").c_str(), 0600));
-  std::filesystem::create_symlink("nowhere", folder.Path("dangling"));
-  sockaddr_un address = {};
-  address.sun_family = AF_UNIX;
-  folder.Path("socket").copy(address.sun_path, sizeof address.sun_path - 1);
-  const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
-  ASSERT_EQ(0, ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address));
-  const std::string paths[] = {"",
-                               folder.Path(""),
-                               folder.Path("missing"),
-                               folder.Path("pipe"),
-                               folder.Path("dangling"),
-                               folder.Path("socket"),
-                               "/dev/null",
-                               file + '\0',
-                               file + '\0' + "x",
-                               file + "/"};
-  for (const std::string& path : paths) {
-    CacheFileStream stream;
-    EXPECT_EQ(kStatusNoInput, stream.Init(CreateOxString(path))) << path;
-    EXPECT_FALSE(OpenStream(path)) << path;
-    EXPECT_FALSE(stream.CanRead()) << path;
-  }
-  EXPECT_FALSE(CacheFileStream::Create(OxSharedPtr<OxStringMac>()));
+TEST_F(CacheFileStreamTest, AFileOfUnknownSizeIsNotOpened) {
   disk.isUnknown = true;
-  EXPECT_FALSE(OpenStream(file)) << "a size that is not told";
+  EXPECT_FALSE(OpenPattern(0, 10));
   EXPECT_EQ(0, disk.openFiles);
-  ::close(socket);
 }
 
 TEST_F(CacheFileStreamTest, AFileNameMayHoldAnyBytesButZero) {

@@ -184,11 +184,11 @@ TEST_F(FaultsTest, AClipThatMeetsAFaultWhileItOpensDoesNotOpen) {
 TEST_F(FaultsTest, InterruptedShortReadsChangeNoAnswer) {
   TestClip clip(SmallClip());
   ASSERT_EQ(kStatusOK, clip.Open());
-  const Numbers right = AnswersOf(*clip.operator->(), 25);
+  const Numbers right = AnswersOf(*clip, 25);
   TestDisk disk;
   disk.isFitful = true;
   ASSERT_EQ(kStatusOK, clip.Open());
-  EXPECT_TRUE(AnswersOf(*clip.operator->(), 25) == right);
+  EXPECT_TRUE(AnswersOf(*clip, 25) == right);
 }
 
 // The file is cut after it was opened, every few kilobytes, and whole again for the next question.

@@ -95,6 +95,8 @@ class TestClip {
     return m_stream->Parse();
   }
   MXFStream* operator->() { return m_stream.get(); }
+  MXFStream& operator*() { return *m_stream; }
+  const std::string& Path() const { return m_path; }
 
   // "right" when the index entry of an edit unit and each of its elements are as written, "none" without an entry.
   std::string Answer(unsigned unit) {
