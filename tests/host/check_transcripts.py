@@ -23,7 +23,7 @@ def transcripts(text):
 
 
 def main():
-    clip, programs, documents = sys.argv[1], sys.argv[2], sys.argv[3:]
+    clip, programs, documents = sys.argv[1], sys.argv[2], filter(None, sys.argv[3:])
     environment = dict(os.environ, PATH=programs + ":" + os.environ["PATH"], NO_COLOR="1")
     faults = 0
     for document in documents:
