@@ -15,5 +15,7 @@ Runner DefineExtract(CLI::App& app);
 
 // Adds --range A:B: edit units of a clip, see Clip::ParseRange.
 void DefineRange(CLI::App& command, std::string& range);
+// Adds --json.
+void DefineJSON(CLI::App& command, bool& isJSON);
 
 #endif  // CLIPPARSER_CLIPINFO_COMMANDS_H

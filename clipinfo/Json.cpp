@@ -33,7 +33,7 @@ Json ScalarJson(const OxSharedPtr<MDValue>& value) {
   for (const auto number : {IntegerJson<unsigned char>, IntegerJson<unsigned short>, IntegerJson<unsigned int>,
                             IntegerJson<unsigned long long>, IntegerJson<signed char>, IntegerJson<short>,
                             IntegerJson<int>, IntegerJson<long long>}) {
-    const Json json = number(value);
+    Json json = number(value);
     if (!json.is_null()) return json;
   }
   return nullptr;
@@ -42,6 +42,12 @@ Json ScalarJson(const OxSharedPtr<MDValue>& value) {
 Json ArrayJson(const OxArray& values) {
   Json json = Json::array();
   for (unsigned long i = 0; i < values.Count(); ++i) json.push_back(ValueJson(values.ObjectAtIndex(i)));
+  return json;
+}
+
+Json IntegersJson(const OxVector<int>& numbers) {
+  Json json = Json::array();
+  for (const int number : numbers) json.push_back(number);
   return json;
 }
 
@@ -102,7 +108,7 @@ Json ValueJson(const OxSharedPtr<OxObject>& value) {
   if (const OxSharedPtr<OxNumber> number = value) return NumberJson(number->SInt64Value());
   if (const OxSharedPtr<OxArray> list = value) return ArrayJson(*list);
   if (const OxSharedPtr<OxVector<unsigned char>> bytes = value) return HexText(bytes->data(), bytes->size());
-  if (const OxSharedPtr<OxVector<int>> numbers = value) return Json(std::vector<int>(*numbers));
+  if (const OxSharedPtr<OxVector<int>> numbers = value) return IntegersJson(*numbers);
   if (const OxSharedPtr<OxVector<tagRGBALayout>> layout = value) return LayoutJson(*layout);
   return DescriptionOf(value);  // identifiers: MxfUUID, UMID
 }

@@ -2,7 +2,7 @@
 #include <set>
 #include <string>
 
-#include "clipinfo/Summary.h"
+#include "clipinfo/InfoDocument.h"
 #include "foundation/UUIDDefine.h"
 
 namespace {
@@ -11,9 +11,7 @@ namespace {
 constexpr unsigned int kMostTracks = 1000;
 constexpr unsigned int kMostComponents = 100;
 
-constexpr _LocalTag kStartPositionTag = 0x1201;
 constexpr _LocalTag kSourcePackageTag = 0x1101;
-constexpr _LocalTag kSourceTrackTag = 0x1102;
 constexpr _LocalTag kComponentDurationTag = 0x0202;
 constexpr _LocalTag kStartTimecodeTag = 0x1501;
 constexpr _LocalTag kTimecodeBaseTag = 0x1502;
@@ -26,14 +24,22 @@ constexpr _LocalTag kSampleRateTag = 0x3001;
 constexpr _LocalTag kContainerTag = 0x3004;
 constexpr _LocalTag kFrameLayoutTag = 0x320C;
 
-constexpr Item kPackageItems[] = {{kPackageUIDTag, "UMID"}, {0x4405, "created"}, {0x4404, "modified"}};
-constexpr Item kPictureItems[] = {{0x320E, "aspect ratio"},    {0x3201, "coding"},
-                                  {0x3210, "gamma"},           {0x3219, "primaries"},
-                                  {0x3301, "component bits"},  {kSampleRateTag, "frame rate"},
-                                  {kContainerTag, "container"}};
-constexpr Item kSoundItems[] = {
-    {0x3D03, "sampling rate"}, {0x3D01, "bits"}, {0x3D07, "channels"}, {kContainerTag, "container"}};
-constexpr Item kDataItems[] = {{kContainerTag, "container"}};
+// Whatever answers for the tags of a set, component or descriptor.
+using Ask = std::function<OxSharedPtr<OxObject>(_LocalTag)>;
+
+struct Item {
+  const char* name;
+  _LocalTag tag;
+};
+constexpr Item kPackageItems[] = {{"umid", kPackageUIDTag}, {"created", 0x4405}, {"modified", 0x4404}};
+constexpr Item kSourceClipItems[] = {{"source_package", kSourcePackageTag},
+                                     {"source_track", 0x1102},
+                                     {"start_position", 0x1201},
+                                     {"duration", kComponentDurationTag}};
+constexpr Item kPictureItems[] = {
+    {"sample_rate", kSampleRateTag}, {"aspect_ratio", 0x320E},  {"coding", 0x3201}, {"transfer", 0x3210},
+    {"primaries", 0x3219},           {"component_bits", 0x3301}};
+constexpr Item kSoundItems[] = {{"sampling_rate", 0x3D03}, {"bits", 0x3D01}, {"channels", 0x3D07}};
 
 // Widths and heights that go together.
 struct SizeItem {
@@ -41,38 +47,34 @@ struct SizeItem {
   _LocalTag width;
   _LocalTag height;
 };
-constexpr SizeItem kSizes[] = {
-    {"stored size", 0x3203, 0x3202}, {"sampled size", 0x3205, 0x3204}, {"display size", 0x3209, 0x3208}};
+constexpr SizeItem kSizes[] = {{"stored", 0x3203, 0x3202}, {"sampled", 0x3205, 0x3204}, {"display", 0x3209, 0x3208}};
+
+template <class Items>
+void AddItems(Json& json, const Items& items, const Ask& ask) {
+  for (const Item& item : items) json[item.name] = ValueJson(ask(item.tag));
+}
 
 // --- Descriptors ---
 
-std::string LayoutText(const Ask& ask) {
+Json LayoutJson(const Ask& ask) {
   constexpr const char* kLayouts[] = {"full frame", "separate fields", "single field", "mixed fields",
                                       "segmented frame"};
   unsigned char layout = 0;
-  if (!GetValue(ask(kFrameLayoutTag), layout)) return kNotPresent;
-  return layout < std::size(kLayouts) ? kLayouts[layout] : "unknown (" + std::to_string(layout) + ")";
+  if (!GetValue(ask(kFrameLayoutTag), layout)) return nullptr;
+  return {{"value", layout}, {"name", layout < std::size(kLayouts) ? Json(kLayouts[layout]) : Json()}};
 }
 
-// The height is that of one field where a frame is stored as two (ST 377-1, frame layouts 1 and 4).
-bool isStoredAsFields(const Ask& ask) {
-  unsigned char layout = 0;
-  return GetValue(ask(kFrameLayoutTag), layout) && (layout == 1 || layout == 4);
-}
-
-std::string SizeText(const Ask& ask, const SizeItem& item) {
+Json SizeJson(const Ask& ask, const SizeItem& item) {
   unsigned int width = 0;
   unsigned int height = 0;
-  if (!GetValue(ask(item.width), width) || !GetValue(ask(item.height), height)) return kNotPresent;
-  const std::string size = std::to_string(width) + "x";
-  if (!isStoredAsFields(ask)) return size + std::to_string(height);
-  return size + std::to_string(2ULL * height) + " (two fields of " + std::to_string(height) + " lines)";
+  if (!GetValue(ask(item.width), width) || !GetValue(ask(item.height), height)) return nullptr;
+  return {{"width", width}, {"height", height}};
 }
 
-void PrintPicture(std::ostream& out, unsigned int indent, const Ask& ask) {
-  for (const SizeItem& item : kSizes) PrintRow(out, indent, item.name, SizeText(ask, item));
-  PrintRow(out, indent, "frame layout", LayoutText(ask));
-  PrintItems(out, indent, kPictureItems, ask);
+void AddPicture(Json& descriptor, const Ask& ask) {
+  for (const SizeItem& item : kSizes) descriptor[item.name] = SizeJson(ask, item);
+  descriptor["frame_layout"] = LayoutJson(ask);
+  AddItems(descriptor, kPictureItems, ask);
 }
 
 // --- Tracks ---
@@ -99,13 +101,12 @@ const KindRow* KindOf(const STTrack& track) {
   return nullptr;
 }
 
-void PrintDescriptor(std::ostream& out, unsigned int indent, Kind kind, const Ask& ask) {
-  const bool isPresent = ask(kContainerTag) || ask(kSampleRateTag);
-  PrintRow(out, indent, "descriptor", isPresent ? "" : kNotPresent);
-  if (!isPresent) return;
-  if (kind == Kind::Picture) PrintPicture(out, indent + 1, ask);
-  if (kind == Kind::Sound) PrintItems(out, indent + 1, kSoundItems, ask);
-  if (kind == Kind::Data) PrintItems(out, indent + 1, kDataItems, ask);
+Json DescriptorJson(Kind kind, const Ask& ask) {
+  if (!ask(kContainerTag) && !ask(kSampleRateTag)) return nullptr;
+  Json descriptor = {{"container", ValueJson(ask(kContainerTag))}};
+  if (kind == Kind::Picture) AddPicture(descriptor, ask);
+  if (kind == Kind::Sound) AddItems(descriptor, kSoundItems, ask);
+  return descriptor;
 }
 
 // False when the component is not a timecode.
@@ -117,109 +118,105 @@ bool ReadTimebase(const Ask& ask, Timebase& timebase) {
   return true;
 }
 
-std::string TimecodeOf(const Ask& ask) {
+Json StartJson(const Ask& ask) {
   long long start = 0;
+  if (!GetValue(ask(kStartTimecodeTag), start)) return nullptr;
   Timebase timebase;
-  if (!GetValue(ask(kStartTimecodeTag), start)) return kNotPresent;
-  const bool isCounted = ReadTimebase(ask, timebase);
-  return "start " + TimecodeText(start, timebase) + ", base " +
-         (isCounted ? std::to_string(timebase.base) : kNotPresent) + (timebase.isDropFrame ? ", drop frame" : "");
+  static_cast<void>(ReadTimebase(ask, timebase));  // without a base the timecode is a plain number
+  return TimecodeJson(start, timebase);
 }
 
-std::string SourceClipText(const Ask& ask) {
-  const std::string package = ValueText(ask(kSourcePackageTag));
-  const bool isNone = package.find_first_not_of("0.") == std::string::npos;  // ST 377-1: the chain of sources ends here
-  return "track " + ValueText(ask(kSourceTrackTag)) + " from " + ValueText(ask(kStartPositionTag)) + ", duration " +
-         ValueText(ask(kComponentDurationTag)) + ", of package " + (isNone ? "none, this is the source" : package);
-}
-
-void PrintComponent(std::ostream& out, const Ask& ask) {
+Json ComponentJson(const Ask& ask) {
   if (ask(kStartTimecodeTag) || ask(kTimecodeBaseTag)) {
-    PrintRow(out, 2, "timecode", TimecodeOf(ask) + ", duration " + ValueText(ask(kComponentDurationTag)));
-  } else if (ask(kSourcePackageTag)) {
-    PrintRow(out, 2, "source clip", SourceClipText(ask));
-  } else {
-    PrintRow(out, 2, "component", "neither timecode nor source clip");
+    return {{"kind", "timecode"}, {"start", StartJson(ask)}, {"duration", ValueJson(ask(kComponentDurationTag))}};
   }
+  if (!ask(kSourcePackageTag)) return {{"kind", nullptr}};
+  Json component = {{"kind", "source clip"}};
+  AddItems(component, kSourceClipItems, ask);
+  return component;
 }
 
 Ask AskComponent(const STTrack& track, unsigned int index) {
   return [&track, index](_LocalTag tag) { return track.ValueForTag(tag, index); };
 }
 
-std::string TrackText(const STTrack& track) {
-  // Of an essence track, the last four bytes of its elements' keys (ST 379).
-  const unsigned int number = track.TrackNumber();
-  const unsigned char bytes[] = {static_cast<unsigned char>(number >> 24), static_cast<unsigned char>(number >> 16),
-                                 static_cast<unsigned char>(number >> 8), static_cast<unsigned char>(number)};
-  return ", number " + std::to_string(number) + (number != 0 ? " (" + HexText(bytes, 4) + ")" : "") + ", edit rate " +
-         RationalText(track.EditRate()) + ", origin " + std::to_string(track.Origin()) + ", duration " +
-         std::to_string(track.Duration());
-}
-
 // The tracks of a material package have the descriptor of what their source clip points at, those of a source package
 // the one that the package links to them.
-void PrintTrack(std::ostream& out, const STTrack& track, const OxSharedPtr<STMetadataSets>& ownDescriptor) {
-  const KindRow* const row = KindOf(track);
-  const Kind kind = row != nullptr ? row->kind : Kind::Data;
-  PrintRow(out, 1, "Track " + std::to_string(track.TrackID()),
-           (row != nullptr ? row->name : ValueText(track.DataDefinition())) + TrackText(track));
+void AddComponents(Json& json, const STTrack& track, Kind kind, const OxSharedPtr<STMetadataSets>& ownDescriptor) {
+  Json components = Json::array();
   const unsigned int shown = std::min(track.ComponentCount(), kMostComponents);
   for (unsigned int i = 0; i < shown; ++i) {
     const Ask ask = AskComponent(track, i);
-    PrintComponent(out, ask);
-    if (kind != Kind::Timecode && !ownDescriptor) PrintDescriptor(out, 2, kind, ask);
+    Json component = ComponentJson(ask);
+    if (kind != Kind::Timecode && !ownDescriptor) component["descriptor"] = DescriptorJson(kind, ask);
+    components.push_back(std::move(component));
   }
-  if (track.ComponentCount() > shown) {
-    PrintRow(out, 2, "more components", std::to_string(track.ComponentCount() - shown));
-  }
-  if (kind != Kind::Timecode && ownDescriptor)
-    PrintDescriptor(out, 2, kind, [&](_LocalTag tag) { return ownDescriptor->ValueForTag(tag); });
+  json["components"] = std::move(components);
+  json["components_left_out"] = track.ComponentCount() - shown;
+  if (kind == Kind::Timecode || !ownDescriptor) return;
+  json["descriptor"] = DescriptorJson(kind, [&](_LocalTag tag) { return ownDescriptor->ValueForTag(tag); });
+}
+
+Json TrackJson(const STTrack& track, const OxSharedPtr<STMetadataSets>& ownDescriptor) {
+  const KindRow* const row = KindOf(track);
+  const Json kind = row != nullptr ? Json(row->name) : Json();
+  Json json = {{"id", track.TrackID()},
+               {"kind", kind},
+               {"data_definition", LabelJson(track.DataDefinition())},
+               {"number", track.TrackNumber()},
+               {"edit_rate", RationalJson(track.EditRate())},
+               {"origin", NumberJson(track.Origin())},
+               {"duration", NumberJson(track.Duration())}};
+  AddComponents(json, track, row != nullptr ? row->kind : Kind::Data, ownDescriptor);
+  return json;
 }
 
 // --- Packages ---
 
-void PrintTracks(std::ostream& out, const HeaderMetadata& header, STMetadataSets& package, unsigned int& left) {
-  const OxSharedPtr<OxArray> tracks = package.ValueForTag(kTracksTag);
-  if (!tracks) PrintRow(out, 1, "tracks", kNotPresent);
-  for (unsigned long i = 0; tracks && i < tracks->Count(); ++i) {
-    if (left == 0) return PrintRow(out, 1, "more tracks", std::to_string(tracks->Count() - i));
-    --left;
-    const OxSharedPtr<STTrack> track = header.CreateTrack(tracks->ObjectAtIndex(i));
-    if (!track) {
-      PrintRow(out, 1, "Track", kUnreadable);
-      continue;
-    }
+void AddTracks(Json& json, const HeaderMetadata& header, STMetadataSets& package, unsigned int& left) {
+  const OxSharedPtr<OxArray> references = package.ValueForTag(kTracksTag);
+  const unsigned long count = references ? references->Count() : 0;
+  const unsigned long shown = std::min<unsigned long>(count, left);
+  left -= static_cast<unsigned int>(shown);
+  Json tracks = Json::array();
+  for (unsigned long i = 0; i < shown; ++i) {
+    const OxSharedPtr<STTrack> track = header.CreateTrack(references->ObjectAtIndex(i));
     OxSharedPtr<STMetadataSets> descriptor;
-    if (package.PacketType() == kKeySourcePackage) {
+    if (track && package.PacketType() == kKeySourcePackage) {
       descriptor = header.GetDescriptor(package.ValueForTag(kPackageUIDTag), track->TrackID());
     }
-    PrintTrack(out, *track, descriptor);
+    tracks.push_back(track ? TrackJson(*track, descriptor) : Json());
   }
+  json["tracks"] = std::move(tracks);
+  json["tracks_left_out"] = count - shown;
 }
 
-void PrintPackage(std::ostream& out, const HeaderMetadata& header, STMetadataSets& package, unsigned int& tracksLeft) {
-  const bool isMaterial = package.PacketType() == kKeyMaterialPackage;
-  PrintRow(out, 0, isMaterial ? "Material package" : "Source package", "");
-  PrintItems(out, 1, kPackageItems, [&package](_LocalTag tag) { return package.ValueForTag(tag); });
-  PrintTracks(out, header, package, tracksLeft);
+Json PackageJson(const HeaderMetadata& header, STMetadataSets& package, unsigned int& tracksLeft) {
+  Json json = {{"kind", package.PacketType() == kKeyMaterialPackage ? "material" : "source"}};
+  AddItems(json, kPackageItems, [&package](_LocalTag tag) { return package.ValueForTag(tag); });
+  AddTracks(json, header, package, tracksLeft);
+  return json;
 }
 
 }  // namespace
 
-void PrintPackages(std::ostream& out, const HeaderMetadata& header) {
+Json PackagesJson(const HeaderMetadata& header) {
   const OxSharedPtr<STMetadataSets> storage = header.MetadataForKey(header.PrefaceInfoForTag(kContentStorageTag));
   const OxSharedPtr<OxArray> packages = storage ? storage->ValueForTag(kPackagesTag) : OxSharedPtr<OxObject>();
-  std::set<STMetadataSets*> printed;
+  Json json = Json::array();
+  std::set<STMetadataSets*> told;
+  bool isUnreadableTold = false;
   unsigned int tracksLeft = kMostTracks;
   for (unsigned long i = 0; packages && i < packages->Count(); ++i) {
     const OxSharedPtr<STMetadataSets> package = header.MetadataForKey(packages->ObjectAtIndex(i));
-    if (!package) {
-      PrintRow(out, 0, "Package", kUnreadable);
-    } else if (printed.insert(package.get()).second) {
-      PrintPackage(out, header, *package, tracksLeft);
+    if (package && told.insert(package.get()).second) {
+      json.push_back(PackageJson(header, *package, tracksLeft));
+    } else if (!package && !isUnreadableTold) {
+      json.push_back(nullptr);
+      isUnreadableTold = true;
     }
   }
+  return json;
 }
 
 Timebase ClipTimebase(const HeaderMetadata& header) {

@@ -1,9 +1,8 @@
-#include "clipinfo/Summary.h"
-
 #include <algorithm>
-#include <iomanip>
 #include <set>
 #include <vector>
+
+#include "clipinfo/InfoDocument.h"
 
 namespace {
 
@@ -56,31 +55,34 @@ const char* KindText(const PartitionPack& pack) {
   return pack.PacketType() == kKeyBodyPartitionPack ? "body" : "footer";
 }
 
-const char* ClosureText(const PartitionPack& pack) {
-  constexpr const char* kTexts[] = {"", "open, incomplete", "closed, incomplete", "open, complete", "closed, complete"};
+Json ClosureJson(const PartitionPack& pack) {
+  constexpr const char* kTexts[] = {nullptr, "open, incomplete", "closed, incomplete", "open, complete",
+                                    "closed, complete"};
   const unsigned char status = pack.key().ValueAtIndex(kStatusByte);
-  return status < std::size(kTexts) ? kTexts[status] : "";
+  const char* const text = status < std::size(kTexts) ? kTexts[status] : nullptr;
+  return text != nullptr ? Json(text) : Json();
 }
 
-void PrintPartition(std::ostream& out, const PartitionPack& pack, unsigned long long offset) {
-  out << "  " << std::left << std::setw(8) << KindText(pack) << std::setw(20) << ClosureText(pack) << std::right
-      << std::setw(15) << offset << std::setw(10) << pack.BodySID() << std::setw(11) << pack.IndexSID() << std::setw(14)
-      << pack.HeaderByteCount() << std::setw(13) << pack.IndexByteCount() << '\n';
+Json PartitionJson(const PartitionPack& pack, unsigned long long offset) {
+  return {{"offset", NumberJson(offset)},
+          {"kind", KindText(pack)},
+          {"status", ClosureJson(pack)},
+          {"body_sid", pack.BodySID()},
+          {"index_sid", pack.IndexSID()},
+          {"header_bytes", NumberJson(pack.HeaderByteCount())},
+          {"index_bytes", NumberJson(pack.IndexByteCount())},
+          {"body_offset", NumberJson(pack.BodyOffset())}};
 }
 
 }  // namespace
 
-void PrintPartitions(std::ostream& out, Clip& clip) {
+Json PartitionsJson(Clip& clip) {
   const OxSharedPtr<RandomIndexPack> pack = FindRandomIndexPack(clip.Reader());
-  PrintRow(out, 0, "Partitions",
-           pack ? "from the random index pack" : "no random index pack; from the footer backwards");
-  out << "  kind    status                       offset  body SID  index SID  header bytes  index bytes\n";
+  Json list = Json::array();
   for (const unsigned long long offset : pack ? ListedOffsets(*pack) : LinkedOffsets(clip)) {
     const OxSharedPtr<PartitionPack> partition = PartitionPackAt(clip, offset);
-    if (partition) {
-      PrintPartition(out, *partition, offset);
-    } else {
-      out << "  " << kUnreadable << std::setw(32) << offset << '\n';
-    }
+    list.push_back(partition ? PartitionJson(*partition, offset)
+                             : Json{{"offset", NumberJson(offset)}, {"kind", nullptr}});
   }
+  return {{"source", pack ? "random index pack" : "partition links"}, {"list", std::move(list)}};
 }

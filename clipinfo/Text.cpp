@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr std::size_t kValueColumn = 26;
 // Beyond this, which is thousands of years, counting in hours means nothing.
 constexpr long long kMostFrames = 1LL << 50;
 
@@ -135,11 +134,4 @@ std::string TimecodeText(long long frames, const Timebase& timebase) {
   const long long seconds = counted / timebase.base;
   return Padded(seconds / 3600, 2) + ":" + Padded(seconds / 60 % 60, 2) + ":" + Padded(seconds % 60, 2) +
          (timebase.isDropFrame ? ";" : ":") + Padded(counted % timebase.base, 2);
-}
-
-void PrintRow(std::ostream& out, unsigned int indent, const std::string& name, const std::string& value) {
-  std::string line(std::size_t{indent} * 2, ' ');
-  line += name;
-  if (!value.empty()) line.resize(std::max(kValueColumn, line.size() + 2), ' ');
-  out << line << value << '\n';
 }

@@ -19,7 +19,8 @@ constexpr const char* kUnreadable = "unreadable";
 // appear as \xNN, byte by byte.
 [[nodiscard]] std::string Escaped(std::string_view text);
 
-// The name of a label of the catalogue, FBC_UL_ left out; null for any other. Of two names of one label, the first.
+// The name of a label: that of the catalogue, FBC_UL_ left out, else that of the public register's row; null for any
+// other. Of two names of one label, the first.
 [[nodiscard]] const char* LabelName(const MxfUUID& label);
 
 // A metadata value; kNotPresent when empty. Labels of the catalogue by name, others as dotted hexadecimal.
@@ -40,8 +41,5 @@ struct Timebase {
 [[nodiscard]] Timebase TimebaseOf(const _Rational& editRate);
 // hh:mm:ss:ff, or hh:mm:ss;ff for drop frame (SMPTE ST 12-1). The plain number when the base is not known.
 [[nodiscard]] std::string TimecodeText(long long frames, const Timebase& timebase);
-
-// One line "name   value" of the summary; `indent` in steps of two columns.
-void PrintRow(std::ostream& out, unsigned int indent, const std::string& name, const std::string& value);
 
 #endif  // CLIPPARSER_CLIPINFO_TEXT_H

@@ -5,7 +5,7 @@ set -euo pipefail
 packages() {
   case $1 in
     build) echo g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libsndfile1-dev ;;
-    test) echo libgtest-dev pkg-config binutils python3 ;;
+    test) echo libgtest-dev pkg-config binutils python3 python3-jsonschema ;;
     bench) echo libbenchmark-dev ;;
     clang) echo clang libclang-rt-14-dev ;;
     fuzz) echo clang libclang-rt-14-dev llvm-14 ;;

@@ -28,7 +28,7 @@ for text in "25 edit units at 25 per second, 00:00:01:00" "1920x1080" "Operation
   "50000000 bits per second" "from the random index pack" "01:00:00:00"; do
   expect 0 "$text" "$clipinfo" clip.mxf
 done
-expect 0 "from the footer backwards" "$clipinfo" no-random-index.mxf
+expect 0 "from the partition links" "$clipinfo" no-random-index.mxf
 expect 0 "clipinfo 1." "$clipinfo" --version
 expect 0 "Exit status" "$clipinfo" --help
 expect 2 "" "$clipinfo"
@@ -47,7 +47,7 @@ done
 
 # Rows, in each format and range.
 for clip in clip.mxf header-index.mxf no-random-index.mxf; do
-  units=$("$clipinfo" "$clip" | sed -n 's/^Duration *\([0-9]*\) .*/\1/p')
+  units=$("$clipinfo" "$clip" | sed -n 's/^ *Duration *\([0-9]*\) .*/\1/p')
   [ "$("$clipinfo" frames --csv "$clip" | wc -l)" -eq $((units + 1)) ] || fail "rows of $clip"
 done
 expect 0 "11,0x" "$clipinfo" frames clip.mxf --csv --range 10:12

@@ -1,0 +1,121 @@
+#!/usr/bin/python3
+"""check_json.py CLIPINFO MAKE-CLIP SCHEMA: every command's --json on good and damaged clips, against the schema."""
+import json
+import os
+import subprocess
+import sys
+import tempfile
+
+import jsonschema
+
+clipinfo, make_clip, schema_path = sys.argv[1:4]
+with open(schema_path, encoding="utf-8") as file:
+    schema = json.load(file)
+jsonschema.Draft202012Validator.check_schema(schema)
+validator = jsonschema.Draft202012Validator(schema)
+failed = False
+
+
+def fail(text):
+    global failed
+    failed = True
+    print("failed:", text)
+
+
+def numbers(value):
+    """Every number of a document."""
+    if isinstance(value, bool) or value is None or isinstance(value, str):
+        return
+    if isinstance(value, (int, float)):
+        yield value
+    else:
+        for item in value.values() if isinstance(value, dict) else value:
+            yield from numbers(item)
+
+
+def run(statuses, *arguments):
+    """The document that a command prints; its status must be one of `statuses`, each failed clip told once."""
+    result = subprocess.run([clipinfo, *arguments], capture_output=True, timeout=60, check=False)
+    what = " ".join(arguments)
+    if result.returncode not in statuses:
+        fail(f"{what} gave {result.returncode} instead of {statuses}: {result.stderr}")
+    try:
+        document = json.loads(result.stdout)
+    except ValueError as error:
+        return fail(f"{what} printed no JSON: {error}")
+    for error in list(validator.iter_errors(document))[:3]:
+        deepest = jsonschema.exceptions.best_match([error])
+        fail(f"{what}: {list(deepest.absolute_path)}: {deepest.message[:300]}")
+    if any(abs(number) > 2**53 for number in numbers(document)):
+        fail(f"{what}: a number beyond 2^53")
+    errors = sum(1 for clip in document["clips"] if "error" in clip)
+    if result.stderr.count(b"\n") != errors:
+        fail(f"{what}: {errors} errors, told as {result.stderr}")
+    return document["clips"]
+
+
+def damaged(data, name, changes):
+    """A copy with bytes changed: {offset: bytes}."""
+    copy = bytearray(data)
+    for offset, value in changes.items():
+        copy[offset : offset + len(value)] = value
+    with open(name, "wb") as file:
+        file.write(copy)
+    return name
+
+
+def write_clips():
+    """Good clips, and damaged ones that still open or no longer do."""
+    good = {"good.mxf": [], "header-index.mxf": ["--header-index", "--units", "60"], "no-rip.mxf": ["--no-rip"]}
+    for name, options in good.items():
+        subprocess.run([make_clip, *options, name], check=True)
+    with open("good.mxf", "rb") as file:
+        data = file.read()
+    origin = data.index(bytes.fromhex("4B020008")) + 4
+    umid = data.index(bytes.fromhex("44010020"))
+    label = data.index(bytes.fromhex("3B090010")) + 4
+    text = data.index(bytes.fromhex("3C01")) + 4
+    bad = [
+        damaged(data, "huge-origin.mxf", {origin: b"\x7f" + b"\xff" * 7}),
+        damaged(data, "huge-negative.mxf", {origin: b"\x80" + b"\x00" * 7}),
+        damaged(data, "huge-partition.mxf", {len(data) - 20: b"\x7f" * 8}),
+        damaged(data, "no-umid.mxf", {umid: b"\x7f\x01"}),
+        damaged(data, "odd-label.mxf", {label: b"\xff" * 16}),
+        damaged(data, "odd-text.mxf", {text: b"\xd8\x00\x00\x1b"}),
+        damaged(data, "odd-kind.mxf", {data.index(bytes.fromhex("0201001006")) + 12: b"\x77"}),
+    ]
+    broken = [damaged(data[:size], f"cut-{size}.mxf", {}) for size in (0, 100, 3000)]
+    return list(good), bad, broken
+
+
+def check_all(good, bad, broken):
+    """What holds for every command that takes a list of clips."""
+    for command in ("info",):
+        for clip in run([0], command, "--json", *good):
+            if "error" in clip:
+                fail(f"{command} of {clip['path']}")
+        run([0, 1], command, "--json", "-j", "4", *good, *bad)
+        clips = run([1], command, "--json", *broken, "nowhere.mxf", good[0])
+        if [clip["path"] for clip in clips] != [*broken, "nowhere.mxf", good[0]] or "error" in clips[-1]:
+            fail(f"{command}: the clips are not those asked for, in their order")
+
+
+def check_info(good):
+    clip = run([0], "info", "--json", good[0])[0]
+    if clip["duration"] != 25 or clip["operational_pattern"]["name"] != "OperationalPattern_1a":
+        fail("info does not tell what the clip is")
+    if [track["kind"] for track in clip["packages"][0]["tracks"]] != ["timecode", "picture", "sound", "sound"]:
+        fail("info does not tell the tracks")
+    for name, origin in (("huge-origin.mxf", str(2**63 - 1)), ("huge-negative.mxf", str(-(2**63)))):
+        clip = run([0], "info", "--json", name)[0]
+        origins = [track["origin"] for package in clip["packages"] for track in package["tracks"]]
+        if origin not in origins:
+            fail(f"{name}: {origin} is not told as a string: {origins}")
+
+
+with tempfile.TemporaryDirectory() as scratch:
+    os.chdir(scratch)
+    good_clips, bad_clips, broken_clips = write_clips()
+    check_all(good_clips, bad_clips, broken_clips)
+    check_info(good_clips)
+sys.exit(failed)
