@@ -41,23 +41,11 @@ std::optional<unsigned int> LinkedTrackID(const OxSharedPtr<STMetadataSets>& des
 
 }  // namespace
 
-// Finds the descriptors of many components in a time that grows with the components and the packages, not with their
+// Finds the descriptors of many components in a time that grows with the components and the descriptors, not with their
 // product. Lives for one question, so that the header metadata itself stays unchanged while it is read.
 class HeaderMetadata::DescriptorResolver {
  public:
-  explicit DescriptorResolver(const HeaderMetadata& metadata) : m_metadata(metadata) {
-    const unsigned long count = metadata.m_sourcePackages->Count();
-    for (unsigned long i = 0; i < count; ++i) {
-      const OxSharedPtr<STMetadataSets> package = metadata.m_sourcePackages->ObjectAtIndex(i);
-      const auto umid = ValueAs<UMID>(package, kPackageUIDTag);
-      if (umid) m_packages.emplace(*umid, package);  // the first one of a UMID stays
-    }
-  }
-
-  OxSharedPtr<STMetadataSets> Package(const OxSharedPtr<UMID>& umid) const {
-    const auto package = umid ? m_packages.find(*umid) : m_packages.end();
-    return package != m_packages.end() ? package->second : OxSharedPtr<STMetadataSets>();
-  }
+  explicit DescriptorResolver(const HeaderMetadata& metadata) : m_metadata(metadata) {}
 
   OxSharedPtr<STMetadataSets> Descriptor(const OxSharedPtr<STMetadataSets>& component) {
     const auto umid = ValueAs<UMID>(component, kSourcePackageIDTag);
@@ -67,7 +55,8 @@ class HeaderMetadata::DescriptorResolver {
   }
 
   OxSharedPtr<STMetadataSets> Descriptor(const OxSharedPtr<UMID>& umid, unsigned int trackID) {
-    const auto descriptor = m_metadata.MetadataForKey(ValueAs<MxfUUID>(Package(umid), kDescriptorTag));
+    const OxSharedPtr<STMetadataSets> package = m_metadata.SourcePackageForUMID(umid);
+    const auto descriptor = m_metadata.MetadataForKey(ValueAs<MxfUUID>(package, kDescriptorTag));
     if (!descriptor) return {};
     if (descriptor->PacketType() != kKeyMultipleDescriptor) {
       return isMatchDescriptor(descriptor, trackID) ? descriptor : OxSharedPtr<STMetadataSets>();
@@ -92,16 +81,14 @@ class HeaderMetadata::DescriptorResolver {
   }
 
   const HeaderMetadata& m_metadata;
-  std::map<UMID, OxSharedPtr<STMetadataSets>> m_packages;
   std::map<STMetadataSets*, ByTrack> m_subDescriptors;
 };
 
 HeaderMetadata::HeaderMetadata()
     : m_identifications(new (std::nothrow) OxMutableArray),
       m_materialPackages(new (std::nothrow) OxMutableArray),
-      m_sourcePackages(new (std::nothrow) OxMutableArray),
       m_essenceContainerData(new (std::nothrow) OxMutableArray) {
-  if (!m_identifications || !m_materialPackages || !m_sourcePackages || !m_essenceContainerData) {
+  if (!m_identifications || !m_materialPackages || !m_essenceContainerData) {
     throw static_cast<const char*>("HeaderMetadata init error");
   }
 }
@@ -153,7 +140,7 @@ unsigned int HeaderMetadata::SetIdentification() {
 
 unsigned int HeaderMetadata::SetContentStorage() {
   m_materialPackages->RemoveAllObjects();
-  m_sourcePackages->RemoveAllObjects();
+  m_sourcePackages.clear();
   m_essenceContainerData->RemoveAllObjects();
   if (!m_preface) return kStatusOK;
   const auto reference = ValueAs<MxfUUID>(m_preface, kContentStorageTag);
@@ -162,12 +149,17 @@ unsigned int HeaderMetadata::SetContentStorage() {
   for (const auto& package : SetsOf(ValueAs<OxArray>(storage, kPackagesTag))) {
     const unsigned int type = package->PacketType();
     if (type == kKeyMaterialPackage) m_materialPackages->AddObject(package);
-    if (type == kKeySourcePackage) m_sourcePackages->AddObject(package);
+    if (type == kKeySourcePackage) AddSourcePackage(package);
   }
   for (const auto& data : SetsOf(ValueAs<OxArray>(storage, kEssenceContainerDataTag))) {
     m_essenceContainerData->AddObject(data);
   }
   return kStatusOK;
+}
+
+void HeaderMetadata::AddSourcePackage(const OxSharedPtr<STMetadataSets>& package) {
+  const auto umid = ValueAs<UMID>(package, kPackageUIDTag);
+  if (umid) m_sourcePackages.emplace(*umid, package);  // the first one of a UMID stays
 }
 
 OxSharedPtr<OxObject> HeaderMetadata::PrefaceInfoForTag(_LocalTag tag) const {
@@ -226,12 +218,8 @@ OxSharedPtr<STTrack> HeaderMetadata::CreateTrack(OxSharedPtr<MxfUUID> trackUID) 
 }
 
 OxSharedPtr<STMetadataSets> HeaderMetadata::SourcePackageForUMID(OxSharedPtr<UMID> umid) const {
-  const unsigned long count = umid ? m_sourcePackages->Count() : 0;
-  for (unsigned long i = 0; i < count; ++i) {
-    OxSharedPtr<STMetadataSets> package = m_sourcePackages->ObjectAtIndex(i);
-    if (umid->isEqualToUMID(ValueAs<UMID>(package, kPackageUIDTag))) return package;
-  }
-  return {};
+  const auto package = umid ? m_sourcePackages.find(*umid) : m_sourcePackages.end();
+  return package != m_sourcePackages.end() ? package->second : OxSharedPtr<STMetadataSets>();
 }
 
 OxSharedPtr<STMetadataSets> HeaderMetadata::GetDescriptor(OxSharedPtr<STMetadataSets> component) const {

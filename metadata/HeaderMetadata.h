@@ -86,13 +86,14 @@ class CLIPPARSER_EXPORT HeaderMetadata : public OxObject {
   // The sets that a list of references names, without those that name none.
   [[nodiscard]] std::vector<OxSharedPtr<STMetadataSets>> SetsOf(const OxSharedPtr<OxArray>& references) const;
   [[nodiscard]] OxSharedPtr<STMetadataSets> MaterialPackage(unsigned int index) const;
+  void AddSourcePackage(const OxSharedPtr<STMetadataSets>& package);
 
   std::map<MxfUUID, OxSharedPtr<LocalSets>> m_sets;
   OxSharedPtr<STMetadataSets> m_preface;
   OxSharedPtr<PrimerPack> m_primer;
   OxSharedPtr<OxMutableArray> m_identifications;
   OxSharedPtr<OxMutableArray> m_materialPackages;
-  OxSharedPtr<OxMutableArray> m_sourcePackages;
+  std::map<UMID, OxSharedPtr<STMetadataSets>> m_sourcePackages;  // the first of each Package UID, in list order
   OxSharedPtr<OxMutableArray> m_essenceContainerData;
 };
 
