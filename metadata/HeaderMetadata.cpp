@@ -191,13 +191,13 @@ OxSharedPtr<UMID> HeaderMetadata::MaterialPackageUMID() const {
 }
 
 unsigned int HeaderMetadata::TrackCount(unsigned int package) const {
-  const auto tracks = ValueAs<OxArray>(MaterialPackage(package), kTracksTag);
-  return tracks ? static_cast<unsigned int>(tracks->Count()) : 0;
+  const OxSharedPtr<STMetadataSets> set = MaterialPackage(package);
+  return set ? set->UUIDCountForTag(kTracksTag) : 0;
 }
 
 OxSharedPtr<STTrack> HeaderMetadata::TrackForIndex(unsigned int track, unsigned int package) const {
-  const auto tracks = ValueAs<OxArray>(MaterialPackage(package), kTracksTag);
-  return tracks ? CreateTrack(tracks->ObjectAtIndex(track)) : OxSharedPtr<STTrack>();
+  const OxSharedPtr<STMetadataSets> set = MaterialPackage(package);
+  return set ? CreateTrack(set->UUIDAtIndexForTag(kTracksTag, track)) : OxSharedPtr<STTrack>();
 }
 
 OxSharedPtr<STTrack> HeaderMetadata::CreateTrack(OxSharedPtr<MxfUUID> trackUID) const {

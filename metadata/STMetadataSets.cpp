@@ -217,6 +217,14 @@ struct ArrayHeader {
   }
 };
 
+// Reads the header of an array of 16-byte items; the number of items that ParseMetaData::GetUUIDArray would give.
+unsigned int ReadUUIDCount(ParseMetaData& reader) {
+  unsigned int count = 0;
+  unsigned int itemSize = 0;
+  if (!reader.GetUInt32(&count) || !reader.GetUInt32(&itemSize) || itemSize != MxfUUID::kSize) return 0;
+  return static_cast<unsigned int>(std::min<unsigned long long>(count, reader.RestLength() / MxfUUID::kSize));
+}
+
 }  // namespace
 
 STMetadataSets::STMetadataSets() = default;
@@ -255,6 +263,20 @@ OxSharedPtr<OxMutableArray> STMetadataSets::UUIDArrayValueForTag(_LocalTag tag) 
   const OxAutoLock guard(this);
   const OxSharedPtr<ParseMetaData> reader = GetParserForTag(tag);
   return reader ? reader->GetUUIDArray() : OxSharedPtr<OxMutableArray>();
+}
+
+unsigned int STMetadataSets::UUIDCountForTag(_LocalTag tag) {
+  const OxAutoLock guard(this);
+  const OxSharedPtr<ParseMetaData> reader = GetParserForTag(tag);
+  return reader ? ReadUUIDCount(*reader) : 0;
+}
+
+OxSharedPtr<MxfUUID> STMetadataSets::UUIDAtIndexForTag(_LocalTag tag, unsigned int index) {
+  const OxAutoLock guard(this);
+  const OxSharedPtr<ParseMetaData> reader = GetParserForTag(tag);
+  if (!reader || index >= ReadUUIDCount(*reader)) return {};
+  const bool isThere = reader->SetOffset(static_cast<long long>(index) * MxfUUID::kSize, kOxStreamSeekFromCurrent);
+  return isThere ? reader->GetUUID() : OxSharedPtr<MxfUUID>();
 }
 
 OxSharedPtr<OxStringMac> STMetadataSets::OxStringValueForTag(_LocalTag tag) {

@@ -39,6 +39,9 @@ class CLIPPARSER_EXPORT STMetadataSets : public LocalSets {
   [[nodiscard]] OxSharedPtr<MxfUUID> UUIDForTag(_LocalTag tag);
   // A batch or array of 16-byte items: count (4), item size (4), items.
   [[nodiscard]] OxSharedPtr<OxMutableArray> UUIDArrayValueForTag(_LocalTag tag);
+  // How many items that array has, and the one at an index, without making the array; 0 and empty where there is none.
+  [[nodiscard]] unsigned int UUIDCountForTag(_LocalTag tag);
+  [[nodiscard]] OxSharedPtr<MxfUUID> UUIDAtIndexForTag(_LocalTag tag, unsigned int index);
   // Two-byte characters over the item's length.
   [[nodiscard]] OxSharedPtr<OxStringMac> OxStringValueForTag(_LocalTag tag);
   // 32 or 64 bytes (ST 330).

@@ -58,6 +58,7 @@ TEST(CostTest, ALookUpTakesNoMemoryOnceItsIndexIsLoaded) {
         unsigned char flags = 0;
         ASSERT_EQ(kStatusOK, clip->GetEssenceOffset(unit, 3, offset));
         ASSERT_TRUE(clip->GetEditUnitInfo(unit, temporal, key, flags));
+        ASSERT_EQ(4u, clip->GetHeaderMetadata()->TrackCount(0));
       }
       EXPECT_EQ(isLoaded, AllocationCount() == before) << AllocationCount() - before;
     }

@@ -56,6 +56,28 @@ TEST(STMetadataSetsTest, ListsHoldTheirElements) {
   EXPECT_EQ("{ 3, 4 }", Text(set->EnumArrayForTag(0x3D10)->LastObject()));
 }
 
+// Items behind the end of a damaged list are taken from what follows in the set, as by reading the list whole.
+TEST(STMetadataSetsTest, ReferencesAreCountedAndFoundWithoutTheirList) {
+  const Bytes three = Bytes(Uid(1)).Raw(Uid(2)).Raw(Uid(3));
+  for (const Bytes& item :
+       {Batch(3, 16, three), Batch(2, 16, three), Batch(0, 16, three), Batch(3, 15, three), Batch(3, 16).First(7),
+        Batch(9, 16, three), Batch(5, 16, three), Batch(0xFFFFFFFF, 16, three), Batch(3, 0x10010, three)}) {
+    for (const std::size_t rest : {0u, 11u, 12u, 44u}) {
+      Bytes items = Bytes().Item(0x4403, item);
+      if (rest > 0) items.Item(0xFFFF, Bytes().Fill(rest, 0x5A));
+      const auto set = MetadataSet(items);
+      const auto list = set->UUIDArrayValueForTag(0x4403);
+      const unsigned long count = list ? list->Count() : 0;
+      EXPECT_EQ(count, set->UUIDCountForTag(0x4403));
+      for (unsigned int i = 0; i < count; ++i) {
+        EXPECT_EQ(Text(list->ObjectAtIndex(i)), Text(set->UUIDAtIndexForTag(0x4403, i))) << i << " of " << count;
+      }
+      EXPECT_FALSE(set->UUIDAtIndexForTag(0x4403, static_cast<unsigned int>(count)));
+    }
+  }
+  EXPECT_EQ(0u, MetadataSet(Bytes().Item(0xFFFF, {1}))->UUIDCountForTag(0x4403));
+}
+
 OxSharedPtr<PrimerPack> Primer(std::initializer_list<std::pair<unsigned int, OxSharedPtr<MxfUUID>>> entries) {
   Bytes items;
   for (const auto& [tag, label] : entries) {
