@@ -23,8 +23,10 @@ unsigned char ByteCount(unsigned long long number) {
   return count;
 }
 
-void Append(std::vector<unsigned char>& bytes, unsigned long long number, unsigned int size) {
-  while (size-- > 0) bytes.push_back(static_cast<unsigned char>(number >> 8 * size));
+// Writes the last `size` bytes of a number and returns the place behind them.
+unsigned char* Store(unsigned char* place, unsigned long long number, std::size_t size) {
+  for (std::size_t i = size; i-- > 0; number >>= 8) place[i] = static_cast<unsigned char>(number);
+  return place + size;
 }
 
 }  // namespace
@@ -32,13 +34,14 @@ void Append(std::vector<unsigned char>& bytes, unsigned long long number, unsign
 void IndexEntries::Assign(const unsigned char* stored, std::size_t count, std::size_t sliceCount) {
   Clear();
   Measure(stored, count, sliceCount);
-  m_bytes.reserve(count * m_entrySize);
+  m_bytes.resize(count * m_entrySize);
+  unsigned char* place = m_bytes.data();
   const unsigned char* entry = stored;
   for (std::size_t i = 0; i < count; ++i) {
-    m_bytes.insert(m_bytes.end(), entry, entry + kSmallSize);
-    Append(m_bytes, StoredStreamOffset(entry) - m_smallestStreamOffset, m_streamOffsetSize);
+    place = std::copy_n(entry, kSmallSize, place);
+    place = Store(place, StoredStreamOffset(entry) - m_smallestStreamOffset, m_streamOffsetSize);
     for (std::size_t slice = 0; slice < sliceCount; ++slice) {
-      Append(m_bytes, StoredSliceOffset(entry, slice), m_sliceOffsetSize);
+      place = Store(place, StoredSliceOffset(entry, slice), m_sliceOffsetSize);
     }
     entry += kStoredHeadSize + sliceCount * kStoredSliceSize;
   }

@@ -485,7 +485,7 @@ unsigned int MXFStream::ReadIndexTableFromPartition(unsigned int editUnit) {
   const long long unitsEach = duration / partitions + (duration % partitions != 0 ? 1 : 0);
   auto index = static_cast<unsigned int>(editUnit / unitsEach);
   for (unsigned int step = 0; step < kMostIndexSteps; ++step) {
-    const unsigned int status = isIndexLoaded(index) ? kStatusOK : ReadIndexTableAtPartition(index);
+    const unsigned int status = ReadIndexTableAtPartition(index);
     if (status != kStatusOK) return status;
     OxSharedPtr<IndexTableSegment> first;
     if (!m_bodyPartitions->IndexTableSegmentAtIndex(index, 0, first)) return kStatusUnreadable;
@@ -507,10 +507,15 @@ bool MXFStream::isIndexLoaded(unsigned int index) const {
 
 unsigned int MXFStream::ReadIndexTableAtPartition(unsigned int index) {
   const OxAutoLock guard(m_reader.get());
+  if (isIndexLoaded(index)) return kStatusOK;
   unsigned long long offset = 0;
   if (!EnsureBodyPartitionData(index) || !IndexPartitionOffset(index, offset)) return kStatusUnreadable;
+  const OxSharedPtr<PartitionPack> pack = PartitionPackAt(offset);
+  if (!pack) return kStatusUnreadable;
+  KeepBodyPartitionData(index + 1, pack);
   OxSharedPtr<IndexTableSegment> last;  // a later segment supersedes the ones before it
-  const bool isRead = VisitIndexSegments(offset, [&last](OxSharedPtr<IndexTableSegment> segment) { last = segment; });
+  const bool isRead =
+      VisitIndexSegments(*pack, [&last](OxSharedPtr<IndexTableSegment> segment) { last = std::move(segment); });
   if (!isRead || !last) return kStatusUnreadable;
   static_cast<void>(m_bodyPartitions->SetIndexTableSegment(index, 0, last));  // one that is there stays
   return kStatusOK;
@@ -529,6 +534,13 @@ bool MXFStream::EnsureBodyPartitionData(unsigned int index) {
   return (flag & kBodyPartitionHasData) == kBodyPartitionHasData || ReadBodyPartitionInfo(index) == kStatusOK;
 }
 
+// Takes up the pack of the partition that follows while it is at hand, instead of reading it again when its turn comes.
+void MXFStream::KeepBodyPartitionData(unsigned int index, const OxSharedPtr<PartitionPack>& pack) {
+  unsigned char flag = 0;
+  if (!m_bodyPartitions->InfoFlagAtIndex(index, flag) || (flag & kBodyPartitionHasData) != 0) return;
+  static_cast<void>(m_bodyPartitions->SetBodyPartitionData(index, pack));  // one that lies elsewhere fails in its turn
+}
+
 unsigned int MXFStream::ReadBodyPartitionInfo(unsigned int index) {
   const OxAutoLock guard(m_reader.get());
   unsigned long long offset = 0;
@@ -539,20 +551,19 @@ unsigned int MXFStream::ReadBodyPartitionInfo(unsigned int index) {
 
 OxSharedPtr<OxArray> MXFStream::GetIndexFromPartition(unsigned long long fileOffset) {
   const OxAutoLock guard(m_reader.get());
+  const OxSharedPtr<PartitionPack> pack = PartitionPackAt(fileOffset);
+  if (!pack) return {};
   OxSharedPtr<OxMutableArray> segments(new OxMutableArray);
   const bool isRead =
-      VisitIndexSegments(fileOffset, [&](OxSharedPtr<IndexTableSegment> segment) { segments->AddObject(segment); });
+      VisitIndexSegments(*pack, [&](OxSharedPtr<IndexTableSegment> segment) { segments->AddObject(segment); });
   return isRead ? OxSharedPtr<OxArray>(segments) : OxSharedPtr<OxArray>();
 }
 
-// Shows each index table segment of the partition at a file offset; false when there is no partition pack, or the disk
-// failed on the way.
+// Shows each index table segment of a partition; false when the disk failed on the way.
 template <class Visit>
-bool MXFStream::VisitIndexSegments(unsigned long long fileOffset, Visit visit) {
-  const OxSharedPtr<PartitionPack> pack = PartitionPackAt(fileOffset);
-  if (!pack) return false;
-  if (pack->IndexByteCount() == 0) return true;
-  const IndexArea area = IndexAreaOf(*pack);
+bool MXFStream::VisitIndexSegments(const PartitionPack& pack, Visit visit) {
+  if (pack.IndexByteCount() == 0) return true;
+  const IndexArea area = IndexAreaOf(pack);
   const unsigned long long failedReads = FailedReads();
   unsigned long long position = area.begin;
   while (OxSharedPtr<IndexTableSegment> segment = NextIndexSegment(position, area.end)) visit(segment);

@@ -165,7 +165,7 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
   template <class Ask>
   bool AskIndex(unsigned int editUnit, Ask ask);
   template <class Visit>
-  bool VisitIndexSegments(unsigned long long fileOffset, Visit visit);
+  bool VisitIndexSegments(const PartitionPack& pack, Visit visit);
   static IndexArea IndexAreaOf(const PartitionPack& pack);
   OxSharedPtr<IndexTableSegment> NextIndexSegment(unsigned long long& position, unsigned long long end);
   bool PlaceHeaderSegment(unsigned int editUnit, const IndexArea& area, unsigned long long& position,
@@ -174,6 +174,7 @@ class CLIPPARSER_EXPORT MXFStream : public OxObject {
                                                      unsigned int number);
   [[nodiscard]] bool isIndexInHeader() const;
   bool EnsureBodyPartitionData(unsigned int index);
+  void KeepBodyPartitionData(unsigned int index, const OxSharedPtr<PartitionPack>& pack);
   [[nodiscard]] bool isIndexLoaded(unsigned int index) const;
   bool IndexPartitionOffset(unsigned int index, unsigned long long& offset) const;
 
