@@ -85,7 +85,9 @@ class Workers {
 
 void ClipList::DefineOn(CLI::App& command) {
   command.add_option("CLIP", paths, "MXF files, or directories that are walked for them")->required()->type_name("");
-  command.add_option("-j,--jobs", jobs, "Work on N clips at a time")->check(CLI::Range(1u, kMostJobs))->type_name("N");
+  command.add_option("-j,--jobs", jobs, "Work on N clips at a time, at most 64")
+      ->check(CLI::Range(1u, kMostJobs).description(""))
+      ->type_name("N");
 }
 
 std::vector<std::string> ListClips(const std::vector<std::string>& paths) {

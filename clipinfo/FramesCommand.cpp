@@ -8,6 +8,16 @@
 
 namespace {
 
+constexpr const char* kFooter = R"(Examples:
+  clipinfo frames A.MXF --range 0:25          flags, offsets and sizes of the first 25 edit units
+  clipinfo frames A.MXF --csv > frames.csv    for a spreadsheet
+  clipinfo frames A.MXF --json | jq '.clips[].rows[] | select(.random_access)'
+
+Exit status:
+  0  every row was printed
+  1  the clip could not be opened, or rows are missing or incomplete
+  2  wrong arguments)";
+
 struct FramesOptions {
   std::string path;
   std::string range;
@@ -64,9 +74,11 @@ void PrintFrames(std::ostream& out, const FramesOptions& options) {
 }  // namespace
 
 Runner DefineFrames(CLI::App& app) {
-  CLI::App* const frames = app.add_subcommand("frames", "Print a row for each edit unit");
+  CLI::App* const frames =
+      app.add_subcommand("frames", "Print a row for each edit unit: index flags, and where its elements lie");
   const auto options = std::make_shared<FramesOptions>();
   frames->add_option("CLIP", options->path, "MXF file")->required()->type_name("");
+  frames->footer(kFooter);
   DefineRange(*frames, options->range);
   CLI::Option* const csv = frames->add_flag_callback(
       "--csv", [options] { options->format = RowFormat::CSV; }, "Comma-separated values");

@@ -7,6 +7,16 @@
 
 namespace {
 
+constexpr const char* kFooter = R"(Examples:
+  clipinfo A.MXF                      what the clip is
+  clipinfo info -j 4 /media/card      the clips of a card, four at a time
+  clipinfo info --json A.MXF | jq '.clips[].packages[0].tracks[].kind'
+
+Exit status:
+  0  every clip was told of
+  1  a clip could not be opened
+  2  wrong arguments)";
+
 struct InfoOptions {
   ClipList clips;
   bool isJSON = false;
@@ -32,9 +42,11 @@ int Summarise(std::ostream& out, std::ostream& fault, const std::string& path) {
 }  // namespace
 
 Runner DefineInfo(CLI::App& app) {
-  CLI::App* const info = app.add_subcommand("info", "Print what the clips' headers hold; the default");
+  CLI::App* const info =
+      app.add_subcommand("info", "Print what clips are: duration, essence, partitions, tracks; the default command");
   const auto options = std::make_shared<InfoOptions>();
   options->clips.DefineOn(*info);
+  info->footer(kFooter);
   DefineJSON(*info, options->isJSON);
   return [options] {
     return options->isJSON ? PrintDocuments(options->clips, "info", Describe) : ForEachClip(options->clips, Summarise);

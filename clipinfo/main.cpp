@@ -6,20 +6,24 @@
 #include <utility>
 #include <vector>
 
+#include "clipinfo/CommandLine.h"
 #include "clipinfo/Commands.h"
 #include "clipinfo/Faults.h"
 
 namespace {
 
-constexpr const char* kExamples = R"(Examples:
-  clipinfo A.MXF B.MXF                     what the headers of two clips hold
-  clipinfo frames A.MXF --range 0:25       flags, offsets and sizes of the first 25 edit units
-  clipinfo frames A.MXF --json | jq '.[] | select(.random_access)'
-  clipinfo extract A.MXF --element 1 -o picture.m2v
-  clipinfo extract A.MXF --element 2 --range 250: -o - | md5sum
+constexpr const char* kFooter = R"(Examples:
+  clipinfo A.MXF B.MXF                     what two clips are
+  clipinfo -j 4 /media/card                what the clips of a card are, four at a time
+  clipinfo info A.MXF --json | jq '.clips[].duration'
+  clipinfo COMMAND --help                  the options of a command, with examples
 
 Without a command name the first argument is a clip. A clip that is called like a command is written ./frames.
-Exit status: 0 done, 1 a clip or an output failed, 2 wrong arguments.)";
+
+Exit status:
+  0  done
+  1  a clip or an output failed
+  2  wrong arguments)";
 
 // In the order of the help.
 constexpr Runner (*kCommands[])(CLI::App&) = {DefineInfo, DefineFrames, DefineExtract};
@@ -30,10 +34,15 @@ std::vector<std::string> ReversedArguments(const CLI::App& app, int argc, char**
   const std::string first = words.empty() ? "" : words.front();
   const bool isCommand =
       !app.get_subcommands([&first](const CLI::App* command) { return command->get_name() == first; }).empty();
-  const bool isForApp = isCommand || first == "-h" || first == "--help" || first == "--version";
+  const bool isForApp = isCommand || app.get_option_no_throw(first) != nullptr;
   if (!isForApp) words.insert(words.begin(), "info");
   std::reverse(words.begin(), words.end());
   return words;
+}
+
+// A hidden option that prints a description of the command line instead of working.
+void DefineDescription(CLI::App& app, const char* name, std::string (*describe)(const CLI::App&)) {
+  app.add_flag_callback(name, [&app, describe] { throw CLI::CallForVersion(describe(app), 0); })->group("");
 }
 
 }  // namespace
@@ -52,12 +61,14 @@ int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
   // A closed pipe or a file that grows too large is an error like any other.
   for (const int signal : {SIGPIPE, SIGXFSZ}) static_cast<void>(std::signal(signal, SIG_IGN));
-  CLI::App app("Looks into MXF clips: what the header says, where each frame lies, the essence itself.", "clipinfo");
+  CLI::App app("look into MXF clips: what they are, where each frame lies, the essence itself", "clipinfo");
   app.set_version_flag("--version", "clipinfo " CLIPINFO_VERSION);
-  app.footer(kExamples);
+  DefineDescription(app, "--man-page", ManPage);
+  DefineDescription(app, "--bash-completion", BashCompletion);
   app.require_subcommand(1);
   std::vector<Runner> runners;
   for (const auto define : kCommands) runners.push_back(define(app));
+  app.footer(kFooter);  // after the commands, which would take it over
   try {
     app.parse(ReversedArguments(app, argc, argv));
   } catch (const CLI::ParseError& error) {
