@@ -7,15 +7,31 @@ namespace {
 
 using Of = Target::Of;
 
-constexpr std::size_t kLookups = 65536;  // in a round
+constexpr std::size_t kLookups = 4096;  // in a round, so short that many are not interrupted
+constexpr std::size_t kRounds = 16;     // until the same edit units are asked for again
+
+// Random edit units, a round's share at a time.
+class Units {
+ public:
+  explicit Units(const BenchClip& clip) : m_units(RandomUnits(clip, kRounds * kLookups)) {}
+
+  template <class Ask>
+  void AskNext(Ask ask) {
+    for (std::size_t i = 0; i < kLookups; ++i) ask(m_units[m_next + i]);
+    m_next = (m_next + kLookups) % m_units.size();
+  }
+
+ private:
+  std::vector<unsigned int> m_units;
+  std::size_t m_next = 0;
+};
 
 // Asks about random edit units, with every index loaded.
 template <class Ask>
 Sample AskRandomly(const BenchClip& clip, Ask ask) {
   const std::shared_ptr<MXFStream> stream = clip.OpenWithIndexes();
-  return Timed([stream, ask, units = RandomUnits(clip, kLookups)] {
-    for (const unsigned int unit : units) ask(*stream, unit);
-  });
+  return Timed(
+      [stream, ask, units = Units(clip)]() mutable { units.AskNext([&](unsigned int unit) { ask(*stream, unit); }); });
 }
 
 Sample AskOffsets(const BenchClip& clip) {
@@ -40,9 +56,9 @@ Sample AskInfos(const BenchClip& clip) {
 Sample LookUpInTable(const BenchClip& clip) {
   std::vector<std::uint64_t> table(clip.Units());
   for (unsigned int unit = 0; unit < clip.Units(); ++unit) table[unit] = unit * std::uint64_t{100000};
-  return Timed([table, units = RandomUnits(clip, kLookups)] {
+  return Timed([table, units = Units(clip)]() mutable {
     std::uint64_t sum = 0;  // else the look-ups are optimised away
-    for (const unsigned int unit : units) sum += table[unit];
+    units.AskNext([&](unsigned int unit) { sum += table[unit]; });
     benchmark::DoNotOptimize(sum);
   });
 }

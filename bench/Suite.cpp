@@ -31,18 +31,25 @@ std::string ReachedText(const Target& target, double cost, double ratio) {
 // The name under which a row's measure is registered.
 std::string NameOf(const Row& row) { return row.floor.empty() ? row.name : row.name + ", beside " + row.floor; }
 
+double Median(std::vector<double>& samples) {
+  const auto middle = samples.begin() + static_cast<std::ptrdiff_t>(samples.size() / 2);
+  std::nth_element(samples.begin(), middle, samples.end());
+  return *middle;
+}
+
 void Compare(benchmark::State& state, const Contest& contest) {
-  double cost = 0;
-  double floor = 0;
+  std::vector<double> costs;
+  std::vector<double> floors;
   for ([[maybe_unused]] auto iteration : state) {
-    if (contest.floor) floor += contest.floor();
-    const Sample timed = Timed([&] { cost += contest.work(); });
+    floors.push_back(contest.floor ? contest.floor() : 0);
+    const Sample timed = Timed([&] { costs.push_back(contest.work()); });
     state.SetIterationTime(timed());
   }
-  const auto rounds = static_cast<double>(state.iterations());
-  state.counters["cost"] = cost / rounds / contest.operations;
-  state.counters["floor"] = floor / rounds / contest.floorOperations;
-  state.counters["ratio"] = floor > 0 ? cost / contest.operations / (floor / contest.floorOperations) : 0;
+  const double cost = Median(costs) / contest.operations;
+  const double floor = Median(floors) / contest.floorOperations;
+  state.counters["cost"] = cost;
+  state.counters["floor"] = floor;
+  state.counters["ratio"] = floor > 0 ? cost / floor : 0;
 }
 
 // Prints the medians as a table.

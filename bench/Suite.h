@@ -55,7 +55,8 @@ struct Row {
 };
 
 // The measures and the table of their figures. Work and floor run in turn, so that a change of the machine's speed
-// meets both; a figure is the median of the repetitions that the command line asks for.
+// meets both; a figure is the median over the rounds of a repetition, then over the repetitions that the command line
+// asks for.
 class Suite {
  public:
   // `prepare` is called before each repetition, and what it makes ends with it.
