@@ -12,14 +12,18 @@ constexpr int kBlocks = FBCMemoryCache::kBufferSize / kBlockSize;
 // Which block lies where, and which goes first: the blocks of one cache as a list that is searched from its front.
 class CacheModel {
  public:
+  // A cache is emptied from its least recently used block on; the last one is then handed out first.
+  explicit CacheModel(FBCMemoryCache& cache) : m_cache(cache) {
+    cache.cleanCache();
+    for (unsigned long long i = 0; i < kBlocks; ++i) m_free.push_back(cache.addCache(i * kBlockSize));
+    cache.cleanCache();
+  }
+
   void Run(Script& script) {
-    unsigned char* top = m_cache->addCache(0);  // the last block is the first one to be handed out
-    m_cache->delCache(0);
-    for (unsigned long long i = kBlocks; i-- > 0;) m_free.push_back(top - i * kBlockSize);
     while (!script.isOver()) {
       const unsigned int step = script.Byte();
       Step(step, static_cast<unsigned long long>(script.Number()) * kBlockSize);
-      MUST(m_cache->BlockCount() == kBlocks);
+      MUST(m_cache.BlockCount() == kBlocks);
     }
   }
 
@@ -35,19 +39,19 @@ class CacheModel {
     auto block = std::find_if(m_used.begin(), m_used.end(), [offset](const Block& b) { return b.offset == offset; });
     const bool isUsed = block != m_used.end();
     if (step == 0xFF) {
-      MUST(m_cache->cleanCache() == 0);
+      MUST(m_cache.cleanCache() == 0);
       for (; !m_used.empty(); m_used.pop_back()) m_free.push_back(m_used.back().bytes);
     } else if (step % 8 == 0) {
-      m_cache->delCache(offset);
+      m_cache.delCache(offset);
       if (isUsed) m_free.push_back(block->bytes), m_used.erase(block);
     } else if (step % 2 == 0) {
-      unsigned char* bytes = m_cache->GetMemoryBufferAtFileOffset(offset);
+      unsigned char* bytes = m_cache.GetMemoryBufferAtFileOffset(offset);
       MUST(bytes == (isUsed ? block->bytes : nullptr));
       if (!isUsed) return;
       MUST(bytes[0] == Mark(offset) && bytes[kBlockSize - 1] == Mark(offset));
       m_used.splice(m_used.begin(), m_used, block);
     } else {
-      unsigned char* bytes = m_cache->addCache(offset);
+      unsigned char* bytes = m_cache.addCache(offset);
       if (!isUsed) {
         if (!m_free.empty()) m_used.push_back({offset, m_free.back()}), m_free.pop_back();
         block = std::prev(m_used.end());
@@ -59,16 +63,17 @@ class CacheModel {
     }
   }
 
-  const std::unique_ptr<FBCMemoryCache> m_cache{FBCMemoryCache::Create()};
+  FBCMemoryCache& m_cache;
   std::list<Block> m_used;
   std::deque<unsigned char*> m_free;
 };
 
 }  // namespace
 
-// A script of calls.
+// A script of calls, to one cache for all, since making it takes longer than they do.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Script script(data, std::min<std::size_t>(size, 1024));
-  CacheModel().Run(script);
+  static const std::unique_ptr<FBCMemoryCache> cache(FBCMemoryCache::Create());
+  CacheModel(*cache).Run(script);
   return 0;
 }
