@@ -12,6 +12,7 @@ using Runner = std::function<int()>;
 Runner DefineInfo(CLI::App& app);
 Runner DefineFrames(CLI::App& app);
 Runner DefineExtract(CLI::App& app);
+Runner DefineVerify(CLI::App& app);
 
 // Adds --range A:B: edit units of a clip, see Clip::ParseRange.
 void DefineRange(CLI::App& command, std::string& range);

@@ -113,9 +113,21 @@ def check_info(good):
             fail(f"{name}: {origin} is not told as a string: {origins}")
 
 
+def check_verify(good, bad, broken):
+    for kind in ("xxh3", "md5"):
+        for clip in run([0], "verify", "--json", "--checksum", kind, *good):
+            if clip["status"] != "whole" or len(clip["elements"]) % clip["edit_units"] != 0:
+                fail(f"verify of {clip['path']}")
+    for clip in run([1, 2], "verify", "--json", "-j", "4", *bad):
+        if "error" not in clip and (clip["status"] == "whole" or not clip["damage"] or not clip["counts"]):
+            fail(f"verify of {clip['path']}: {clip['status']}")
+    run([2], "verify", "--json", *broken, "nowhere.mxf", good[0])
+
+
 with tempfile.TemporaryDirectory() as scratch:
     os.chdir(scratch)
     good_clips, bad_clips, broken_clips = write_clips()
     check_all(good_clips, bad_clips, broken_clips)
     check_info(good_clips)
+    check_verify(good_clips, bad_clips, broken_clips)
 sys.exit(failed)

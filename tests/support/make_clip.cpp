@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
   app.add_option("--partitions", partitions, "Body partitions")->check(CLI::PositiveNumber);
   app.add_option("--picture-bytes", pictureBytes, "Bytes of an intra-coded picture; the others are smaller");
   app.add_option("--data-bytes", options.dataBytes, "Bytes of a data element");
+  app.add_option("--slices", options.slices, "Slices of an index entry");
   app.add_flag("--header-index", isHeaderIndex, "Version 1.3, with the index in the header partition");
   app.add_flag("--no-rip", isWithoutRandomIndex, "Without a random index pack");
   CLI11_PARSE(app, argc, argv);

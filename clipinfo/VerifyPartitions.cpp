@@ -1,0 +1,132 @@
+#include <algorithm>
+#include <utility>
+
+#include "clipinfo/VerifySteps.h"
+
+namespace {
+
+// A day's clip with a partition every second has fewer.
+constexpr std::size_t kMostPartitions = 100000;
+// A partition pack of thousands of labels.
+constexpr unsigned long long kLongestPack = 1 << 16;
+constexpr long long kOverallLengthSize = 4;  // of the random index pack: the last bytes of the file
+
+class PartitionFinder {
+ public:
+  explicit PartitionFinder(VerifyFile& file) : m_file(file) {}
+
+  [[nodiscard]] bool Find();
+
+ private:
+  void FindRandomIndex();
+  [[nodiscard]] bool AddPartition(unsigned long long offset);
+  [[nodiscard]] bool AddListed();
+  [[nodiscard]] bool AddLinked();
+  void AddWalked();
+  void SetEnds();
+
+  VerifyFile& m_file;
+};
+
+bool PartitionFinder::Find() {
+  FindRandomIndex();
+  static_cast<void>(AddPartition(0));
+  // Where the random index pack and the links agree, no one needs to look for more; the walk over the packets of each
+  // partition meets what both leave out.
+  const bool isListed = AddListed();
+  const std::size_t listed = m_file.partitions.size();
+  const bool isLinked = AddLinked();
+  if (!isLinked || (isListed && m_file.partitions.size() != listed)) AddWalked();
+  if (m_file.partitions.empty()) return false;
+  if (m_file.partitions.front().offset != 0 ||
+      m_file.partitions.front().pack->PacketType() != kKeyHeaderPartitionPack) {
+    m_file.findings.Add(FindingKind::FileStart, 0);
+  }
+  SetEnds();
+  return true;
+}
+
+void PartitionFinder::FindRandomIndex() {
+  unsigned int length = 0;
+  const OxSharedPtr<RandomIndexPack> pack(new RandomIndexPack);
+  const bool isFound = m_file.Reader().SetOffset(-kOverallLengthSize, kOxStreamSeekFromEnd) &&
+                       m_file.Reader().GetUInt32(&length) &&
+                       m_file.Reader().SetOffset(-static_cast<long long>(length), kOxStreamSeekFromEnd) &&
+                       m_file.Reader().ParsePacket(pack.get()) && pack->NextOffset() == m_file.Length();
+  if (isFound) m_file.randomIndex = pack;
+}
+
+// Whether there is a partition pack at an offset; it is kept once.
+bool PartitionFinder::AddPartition(unsigned long long offset) {
+  const auto place = std::lower_bound(
+      m_file.partitions.begin(), m_file.partitions.end(), offset,
+      [](const VerifiedPartition& partition, unsigned long long value) { return partition.offset < value; });
+  if (place != m_file.partitions.end() && place->offset == offset) return true;
+  VerifiedPartition partition;
+  KLVPacket packet;
+  if (m_file.partitions.size() >= kMostPartitions || !m_file.PeekPacket(offset, m_file.Length(), packet)) return false;
+  if (RoleOf(packet) != PacketRole::Partition || packet.Length() > kLongestPack) return false;
+  partition.offset = offset;
+  partition.pack = new PartitionPack;
+  if (!m_file.Reader().SetOffset(static_cast<long long>(offset), kOxStreamSeekFromStart)) return false;
+  // A pack that cannot be read whole keeps what was read of it; CheckPack tells.
+  static_cast<void>(m_file.Reader().ParsePacket(partition.pack.get()));
+  m_file.partitions.insert(place, std::move(partition));
+  return true;
+}
+
+bool PartitionFinder::AddListed() {
+  if (!m_file.randomIndex) return false;
+  bool isWhole = true;
+  unsigned long long offset = 0;
+  for (unsigned int i = 0; i < kMostPartitions && m_file.randomIndex->GetOffsetAtIndex(i, offset); ++i) {
+    isWhole = AddPartition(offset) && isWhole;
+  }
+  return isWhole;
+}
+
+// From the footer backwards. Whether the links lead to the header.
+bool PartitionFinder::AddLinked() {
+  if (m_file.partitions.empty()) return false;
+  unsigned long long offset = m_file.partitions.front().pack->FooterPartition();
+  while (offset != 0 && AddPartition(offset)) {
+    const auto found = std::find_if(m_file.partitions.rbegin(), m_file.partitions.rend(),
+                                    [offset](const VerifiedPartition& each) { return each.offset == offset; });
+    const unsigned long long previous = found->pack->PreviousPartition();
+    if (previous == 0) return true;
+    if (previous >= offset) return false;
+    offset = previous;
+  }
+  return false;
+}
+
+// The partitions that a walk over all packets meets. Where it comes to a place without a packet it goes on at the next
+// partition that is known by then.
+void PartitionFinder::AddWalked() {
+  const unsigned long long length = m_file.Length();
+  unsigned long long position = 0;
+  KLVPacket packet;
+  while (position < length && m_file.partitions.size() < kMostPartitions) {
+    if (m_file.PeekPacket(position, length, packet) && packet.PacketType() != kKeyNotSMPTE) {
+      if (RoleOf(packet) == PacketRole::Partition) static_cast<void>(AddPartition(position));
+      position = packet.NextOffset();
+      continue;
+    }
+    const auto next = std::find_if(m_file.partitions.begin(), m_file.partitions.end(),
+                                   [position](const VerifiedPartition& each) { return each.offset > position; });
+    if (next == m_file.partitions.end()) return;
+    position = next->offset;
+  }
+}
+
+void PartitionFinder::SetEnds() {
+  unsigned long long end = m_file.randomIndex ? m_file.randomIndex->Offset() : m_file.Length();
+  for (auto partition = m_file.partitions.rbegin(); partition != m_file.partitions.rend(); ++partition) {
+    partition->end = end;
+    end = partition->offset;
+  }
+}
+
+}  // namespace
+
+bool FindPartitions(VerifyFile& file) { return PartitionFinder(file).Find(); }
