@@ -4,13 +4,8 @@ set -euo pipefail
 
 packages() {
   case $1 in
-<<<<<<< HEAD
-    build) echo g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libsndfile1-dev ;;
-    test) echo libgtest-dev pkg-config binutils python3 python3-jsonschema ;;
-=======
     build) echo g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libsndfile1-dev libssl-dev libxxhash-dev ;;
-    test) echo libgtest-dev pkg-config binutils python3 ;;
->>>>>>> bcf39b6 (clipinfo: tell with verify whether clips are whole)
+    test) echo libgtest-dev pkg-config binutils python3 python3-jsonschema ;;
     bench) echo libbenchmark-dev ;;
     clang) echo clang libclang-rt-14-dev ;;
     fuzz) echo clang libclang-rt-14-dev llvm-14 ;;
