@@ -1,6 +1,3 @@
-#include <atomic>
-#include <thread>
-
 #include "tests/support/TestClip.h"
 
 namespace {
@@ -191,25 +188,6 @@ TEST(IndexAndEssenceTest, AnElementThatRunsPastTheEndDeliversNothingOfAnotherUni
   EXPECT_TRUE(clip->GetDataItem(20).empty());
   EXPECT_EQ(57u, clip->ReadEssenceData(22, 0, buffer.data(), 4000));
   EXPECT_TRUE(clip.isElementRight(24, 2));
-}
-
-TEST(IndexAndEssenceTest, QueriesFromSeveralThreadsAnswerRight) {
-  for (const ClipOptions& options : {SmallClip(), HeaderIndexClip()}) {
-    TestClip clip(options);
-    ASSERT_EQ(kStatusOK, clip.Open());
-    std::atomic<int> wrong{0};
-    const auto ask = [&](unsigned step) {
-      for (unsigned i = 0; i < 150; ++i) {
-        std::array<unsigned char, 4> bits{};
-        if (clip.Answer(i * step % static_cast<unsigned>(clip.truth.units)) != "right") ++wrong;
-        if (clip->GetUserBit(bits.data()) != kStatusOK || bits != options.userBits) ++wrong;
-      }
-    };
-    std::vector<std::thread> threads;
-    for (const unsigned step : {1u, 7u, 11u, 13u}) threads.emplace_back(ask, step);
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(0, wrong);
-  }
 }
 
 }  // namespace
