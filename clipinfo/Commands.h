@@ -17,6 +17,7 @@ Runner DefineVerify(CLI::App& app);
 // Adds --range A:B: edit units of a clip, see Clip::ParseRange.
 void DefineRange(CLI::App& command, std::string& range);
 // Adds --json.
+constexpr const char* kJsonHelp = "Print JSON; docs/json.md describes it";
 void DefineJSON(CLI::App& command, bool& isJSON);
 
 #endif  // CLIPPARSER_CLIPINFO_COMMANDS_H

@@ -4,6 +4,7 @@
 #include "clipinfo/Clip.h"
 #include "clipinfo/Commands.h"
 #include "clipinfo/Faults.h"
+#include "clipinfo/Json.h"
 #include "clipinfo/RowWriter.h"
 
 namespace {
@@ -50,7 +51,7 @@ bool isWhole(const FrameRow& row) {
 }
 
 // The rows before a fault are printed.
-void PrintFrames(std::ostream& out, const FramesOptions& options) {
+void PrintFrames(std::ostream& out, const FramesOptions& options, bool& isBegun) {
   Clip clip(options.path);
   const EditUnits units = clip.ParseRange(options.range);
   const auto first = static_cast<unsigned int>(units.begin);
@@ -59,16 +60,32 @@ void PrintFrames(std::ostream& out, const FramesOptions& options) {
   row.elements.resize(clip.ElementCount(first));
   if (row.elements.empty()) FailAt(clip, first);
 
-  const std::unique_ptr<RowWriter> writer = MakeRowWriter(options.format, out);
+  const std::unique_ptr<RowWriter> writer = MakeRowWriter(options.format, out, options.path);
   unsigned long long incomplete = 0;
   writer->Begin(static_cast<unsigned int>(row.elements.size()));
+  isBegun = true;
   for (unsigned long long unit = units.begin; unit < units.end && out; ++unit) {
     ReadRow(clip, static_cast<unsigned int>(unit), row);
     writer->Row(row);
     if (!isWhole(row)) ++incomplete;
   }
-  writer->End();
+  writer->End(incomplete);
   if (incomplete != 0) throw CommandError(std::to_string(incomplete) + " edit units have elements that are unreadable");
+}
+
+int RunFrames(const FramesOptions& options) {
+  bool isBegun = false;
+  return RunOnClip(options.path, [&] {
+    try {
+      PrintFrames(std::cout, options, isBegun);
+    } catch (const CommandError& error) {
+      if (options.format == RowFormat::JSON && !isBegun) {
+        const Frame frame = EnvelopeFrame("frames");
+        std::cout << frame.head << JsonText(FailedClip(options.path, error.what()), 2) << frame.tail;
+      }
+      throw;
+    }
+  });
 }
 
 }  // namespace
@@ -84,7 +101,7 @@ Runner DefineFrames(CLI::App& app) {
       "--csv", [options] { options->format = RowFormat::CSV; }, "Comma-separated values");
   frames
       ->add_flag_callback(
-          "--json", [options] { options->format = RowFormat::JSON; }, "An array of objects, one on each line")
+          "--json", [options] { options->format = RowFormat::JSON; }, kJsonHelp)
       ->excludes(csv);
-  return [options] { return RunOnClip(options->path, [&] { PrintFrames(std::cout, *options); }); };
+  return [options] { return RunFrames(*options); };
 }

@@ -66,7 +66,7 @@ int PrintDocument(std::ostream& out, std::ostream& fault, const std::string& pat
   const std::string reason = FaultOf([&] { status = describe(clip, path); });
   if (!reason.empty()) {
     PrintFault(fault, path, reason);
-    clip = {{"path", path}, {"error", {{"message", reason}}}};
+    clip = FailedClip(path, reason);
     status = faultStatus;
   }
   out << JsonText(clip, 2);
@@ -118,6 +118,10 @@ int PrintDocuments(const ClipList& list, const char* command, const DescribeClip
     return PrintDocument(out, fault, path, describe, faultStatus);
   };
   return ForEachClip(list, task, EnvelopeFrame(command));
+}
+
+Json FailedClip(const std::string& path, const std::string& reason) {
+  return {{"path", path}, {"error", {{"message", reason}}}};
 }
 
 Frame EnvelopeFrame(const char* command) {

@@ -16,15 +16,15 @@ using Json = nlohmann::ordered_json;
 
 // The document of one clip: null for what the clip does not tell.
 
+constexpr long long kMostExact = 1LL << 53;
 // A whole number; as a string beyond 2^53, where the numbers of many JSON readers lose digits.
 template <class Integer>
 [[nodiscard]] Json NumberJson(Integer number) {
-  constexpr long long kMost = 1LL << 53;
   bool isExact = true;
   if constexpr (std::is_signed_v<Integer>) {
-    isExact = number >= -kMost && number <= kMost;
+    isExact = number >= -kMostExact && number <= kMostExact;
   } else {
-    isExact = number <= static_cast<unsigned long long>(kMost);
+    isExact = number <= static_cast<unsigned long long>(kMostExact);
   }
   return isExact ? Json(number) : Json(std::to_string(number));
 }
@@ -45,6 +45,8 @@ using DescribeClip = std::function<int(Json& clip, const std::string& path)>;
 [[nodiscard]] int PrintDocuments(const ClipList& list, const char* command, const DescribeClip& describe,
                                  int faultStatus = kExitFailed);
 
+// The document of a clip that cannot be described.
+[[nodiscard]] Json FailedClip(const std::string& path, const std::string& reason);
 // What stands around and between the documents, for a command that writes them piece by piece.
 [[nodiscard]] Frame EnvelopeFrame(const char* command);
 // A document as text; bytes that are no UTF-8 are replaced by U+FFFD.

@@ -51,9 +51,7 @@ void DefineRange(CLI::App& command, std::string& range) {
   command.add_option("--range", range, "Edit units A up to, but not with, B; either may be left out")->type_name("A:B");
 }
 
-void DefineJSON(CLI::App& command, bool& isJSON) {
-  command.add_flag("--json", isJSON, "Print JSON; docs/json.md describes it");
-}
+void DefineJSON(CLI::App& command, bool& isJSON) { command.add_flag("--json", isJSON, kJsonHelp); }
 
 // What could escape is a mistake in the options' definitions, which then shows at every start.
 // NOLINTNEXTLINE(bugprone-exception-escape)

@@ -124,10 +124,32 @@ def check_verify(good, bad, broken):
     run([2], "verify", "--json", *broken, "nowhere.mxf", good[0])
 
 
+def check_frames(good):
+    for name in good:
+        clip = run([0], "frames", "--json", name)[0]
+        if [row["edit_unit"] for row in clip["rows"]] != list(range(len(clip["rows"]))) or len(clip["rows"]) < 25:
+            fail(f"frames of {name} are not all there")
+    kinds = [element["kind"] for element in clip["rows"][0]["elements"]]
+    if kinds[:3] != ["system", "picture", "sound"] or clip["incomplete_rows"] != 0:
+        fail(f"frames: {kinds}")
+    run([1], "frames", "--json", "nowhere.mxf")
+    run([1], "frames", "--json", good[0], "--range", "9:99")
+    # A list that breaks off is not closed.
+    with open(good[0], "rb") as file:
+        data = file.read()
+    footer = data.rindex(bytes.fromhex("060E2B34025301010D0102010110"))
+    name = damaged(data, "no-last-index.mxf", {footer + 13: b"\x7f"})
+    result = subprocess.run([clipinfo, "frames", "--json", name], capture_output=True, timeout=60, check=False)
+    is_closed = result.stdout.endswith(b"]}\n")
+    if result.returncode != 1 or is_closed or b"edit_unit" not in result.stdout:
+        fail(f"a list that breaks off: {result.returncode}, {result.stdout[-80:]}")
+
+
 with tempfile.TemporaryDirectory() as scratch:
     os.chdir(scratch)
     good_clips, bad_clips, broken_clips = write_clips()
     check_all(good_clips, bad_clips, broken_clips)
     check_info(good_clips)
     check_verify(good_clips, bad_clips, broken_clips)
+    check_frames(good_clips)
 sys.exit(failed)
