@@ -1,6 +1,8 @@
 #ifndef CLIPPARSER_FOUNDATION_FIELDBYTES_H
 #define CLIPPARSER_FOUNDATION_FIELDBYTES_H
 
+#include <algorithm>
+
 #include "foundation/BigEndian.h"
 #include "foundation/CopyBytes.h"
 #include "foundation/ParseMetaData.h"
@@ -40,12 +42,20 @@ class FieldBytes {
   const unsigned char* m_next;
 };
 
-// Shows `decode` the next kSize bytes, taken in one read; where they cannot be taken, the reader itself, so that what
-// lies before a cut is still decoded. `decode` must read all of them, and no more.
+// Reads of several fields at once end where a block of the file stream ends. The next block might not be needed, and a
+// disk that fails in it must not cost the fields before it.
+inline unsigned long long RestOfBlock(const ParseMetaData& reader) {
+  constexpr unsigned long long kBlockSize = 65536;
+  return std::min(reader.RestLength(), kBlockSize - static_cast<unsigned long long>(reader.offset()) % kBlockSize);
+}
+
+// Shows `decode` the next kSize bytes, taken in one read, if they lie in one block; otherwise the reader itself, so
+// that what lies before a cut is still decoded. `decode` must read all of them, and no more.
 template <unsigned int kSize, class Decode>
 bool DecodeFixed(ParseMetaData& reader, Decode decode) {
+  if (RestOfBlock(reader) < kSize) return decode(reader);
   unsigned char bytes[kSize];
-  if (!reader.GetBytes(bytes, kSize)) return decode(reader);
+  if (!reader.GetBytes(bytes, kSize)) return false;  // nor could the first field be read
   FieldBytes fields(bytes);
   return decode(fields);
 }

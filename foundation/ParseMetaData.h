@@ -136,9 +136,8 @@ class CLIPPARSER_EXPORT ParseMetaData : public OxRecursiveLock {
  private:
   // Reads exactly `count` bytes at the position without moving it.
   bool PeekBytes(unsigned char* buffer, unsigned long long count) const;
-  // Reads key and length at once, as far as they lie in one block of the file, and moves past them. False and not moved
-  // when that does not do: field by field it may still be possible.
-  bool GetKeyAndLengthAtOnce(MxfUUID& key, unsigned int& length);
+  // Reads key and length and moves past them; after a failure the position may lie between them.
+  bool GetKeyAndLength(MxfUUID& key, unsigned int& length);
   template <class Unsigned>
   bool GetUnsigned(Unsigned* value);
 

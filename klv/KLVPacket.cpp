@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "foundation/BigEndian.h"
+#include "foundation/FieldBytes.h"
 
 KLVPacket::KLVPacket() = default;
 
@@ -35,20 +35,19 @@ namespace {
 
 constexpr unsigned int kMostLengthBytes = 4;
 constexpr unsigned int kLongestHead = MxfUUID::kSize + 1 + kMostLengthBytes;
-// Reads ahead end where a file's block may end: the next one might not be needed.
-constexpr unsigned long long kBlockSize = 65536;
 
 }  // namespace
 
-bool ParseMetaData::GetKeyAndLengthAtOnce(MxfUUID& key, unsigned int& length) {
+// In one read, as far as they lie in one block of the file; what that does not settle, field by field.
+bool ParseMetaData::GetKeyAndLength(MxfUUID& key, unsigned int& length) {
   unsigned char head[kLongestHead];
-  const unsigned long long there = std::min(RestLength(), kBlockSize - m_position % kBlockSize);
-  const unsigned long long count = std::min<unsigned long long>(there, kLongestHead);
-  if (count <= MxfUUID::kSize || !PeekBytes(head, count)) return false;
+  const unsigned long long count = std::min<unsigned long long>(RestOfBlock(*this), kLongestHead);
+  if (count <= MxfUUID::kSize) return GetUUID(&key) && GetBER(&length);
+  if (!PeekBytes(head, count)) return false;  // nor could the key alone be read
   const unsigned char* berBytes = head + MxfUUID::kSize;
   const unsigned int lengthBytes = *berBytes < 0x80 ? 0 : *berBytes & 0x7Fu;
   const unsigned int size = MxfUUID::kSize + 1 + lengthBytes;
-  if (*berBytes == 0x80 || size > count) return false;
+  if (*berBytes == 0x80 || size > count) return GetUUID(&key) && GetBER(&length);
   key.SetKey(head);
   length = lengthBytes == 0 ? *berBytes : LoadBigEndian<unsigned int>(berBytes + 1, lengthBytes);
   m_position += size;
@@ -60,7 +59,7 @@ PacketHead ParseMetaData::ReadKeyAndLength(KLVPacket* packet) {
   const unsigned long long start = m_position;
   MxfUUID key;
   unsigned int length = 0;
-  if (!GetKeyAndLengthAtOnce(key, length) && (!GetUUID(&key) || !GetBER(&length))) {
+  if (!GetKeyAndLength(key, length)) {
     m_position = start;
     return PacketHead::Failed;
   }
