@@ -8,6 +8,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "clipinfo/PlainFile.h"
+
 namespace {
 
 // Edit units are asked for as 32-bit numbers.
@@ -46,6 +48,7 @@ Clip::Clip(const std::string& path) {
   m_stream = std::make_unique<MXFStream>(CreateOxString(path));
   if (!m_stream->GetStream()) throw CommandError("cannot be opened");
   m_reader.SetStream(m_stream->GetStream());
+  m_heads.SetStream(OxSharedPtr<PlainFile>(new PlainFile(path)));
   if (m_stream->Parse() != kStatusOK) throw CommandError(OpeningFault(*m_stream));
 }
 
@@ -54,8 +57,8 @@ Element Clip::ElementAt(unsigned long long offset) {
   element.isFound = true;
   element.offset = offset;
   KLVPacket packet;
-  element.isRead = m_reader.SetOffset(static_cast<long long>(offset), kOxStreamSeekFromStart) &&
-                   m_reader.ReadKeyAndLength(&packet) == PacketHead::Read;
+  element.isRead = m_heads.SetOffset(static_cast<long long>(offset), kOxStreamSeekFromStart) &&
+                   m_heads.ReadKeyAndLength(&packet) == PacketHead::Read;
   if (!element.isRead) return element;
   element.key = packet.key();
   element.type = packet.PacketType();

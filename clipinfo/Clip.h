@@ -53,6 +53,7 @@ class Clip {
 
  private:
   ParseMetaData m_reader;
+  ParseMetaData m_heads;  // of elements; past the library's blocks
   std::unique_ptr<MXFStream> m_stream;
 };
 
