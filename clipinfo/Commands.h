@@ -10,6 +10,7 @@
 using Runner = std::function<int()>;
 
 Runner DefineInfo(CLI::App& app);
+Runner DefineTree(CLI::App& app);
 Runner DefineFrames(CLI::App& app);
 Runner DefineExtract(CLI::App& app);
 Runner DefineVerify(CLI::App& app);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "clipinfo/Terminal.h"
+#include "clipinfo/Words.h"
 
 namespace {
 
@@ -19,25 +20,11 @@ void PrintRow(std::ostream& out, const std::string& name, const std::string& val
 
 // --- One value ---
 
-std::string Word(const Json& value) {
-  if (value.is_null()) return kNotPresent;
-  if (value.is_string()) return Escaped(value.get_ref<const std::string&>());
-  if (!value.is_object()) return value.dump();
-  if (value.contains("numerator")) return RationalText({value["numerator"], value["denominator"]});
-  if (value.contains("frames")) return Word(value["text"].is_null() ? value["frames"] : value["text"]);
-  if (value.contains("hex") && value["name"].is_null()) return Word(value["hex"]);
-  return value.contains("name") ? Word(value["name"]) : value.dump();
-}
-
 // As Word, of a date.
 std::string DateWord(const Json& value) {
   std::string text = Word(value);
   if (!value.is_null()) text[text.find('T')] = ' ';
   return text;
-}
-
-std::string Counted(unsigned long count, const char* noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 // Facts in one row: what is not present is left out.

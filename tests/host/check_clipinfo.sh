@@ -29,6 +29,7 @@ for text in "25 edit units at 25 per second, 00:00:01:00" "1920x1080" "Operation
   expect 0 "$text" "$clipinfo" clip.mxf
 done
 expect 0 "from the partition links" "$clipinfo" no-random-index.mxf
+expect 0 "CompanyName             Example Company" "$clipinfo" tree clip.mxf
 expect 0 "clipinfo 1." "$clipinfo" --version
 expect 0 "Exit status" "$clipinfo" --help
 expect 2 "" "$clipinfo"

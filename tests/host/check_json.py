@@ -90,7 +90,7 @@ def write_clips():
 
 def check_all(good, bad, broken):
     """What holds for every command that takes a list of clips."""
-    for command in ("info",):
+    for command in ("info", "tree"):
         for clip in run([0], command, "--json", *good):
             if "error" in clip:
                 fail(f"{command} of {clip['path']}")
@@ -145,6 +145,33 @@ def check_frames(good):
         fail(f"a list that breaks off: {result.returncode}, {result.stdout[-80:]}")
 
 
+def sets(value):
+    """Every set of a tree."""
+    yield value
+    for item in value.get("items", []):
+        for each in item.get("sets", []):
+            yield from sets(each)
+
+
+def check_tree(good):
+    preface = run([0], "tree", "--json", good[0])[0]["preface"]
+    told = [each["set"] for each in sets(preface)]
+    for name, count in {"Preface": 1, "ContentStorage": 1, "Track": 8, "TimecodeComponent": 2, "SourceClip": 6}.items():
+        if told.count(name) != count:
+            fail(f"tree tells of {told.count(name)} sets called {name}")
+    # References that lead back: a component that is the preface, a track that is the content storage.
+    with open(good[0], "rb") as file:
+        data = file.read()
+    uid = bytes.fromhex(preface["instance_uid"].replace(".", ""))
+    storage = data[data.index(bytes.fromhex("3B030010")) + 4 :][:16]
+    component = data.rindex(bytes.fromhex("100100180000000100000010")) + 12
+    track = data.index(bytes.fromhex("44030048")) + 12 + 3 * 16
+    name = damaged(data, "loop.mxf", {component: uid, track: storage})
+    looped = list(sets(run([0], "tree", "--json", name)[0]["preface"]))
+    if sum(each.get("not_told") == "told above" for each in looped) != 2:
+        fail("tree does not end references that lead back")
+
+
 with tempfile.TemporaryDirectory() as scratch:
     os.chdir(scratch)
     good_clips, bad_clips, broken_clips = write_clips()
@@ -152,4 +179,5 @@ with tempfile.TemporaryDirectory() as scratch:
     check_info(good_clips)
     check_verify(good_clips, bad_clips, broken_clips)
     check_frames(good_clips)
+    check_tree(good_clips)
 sys.exit(failed)
