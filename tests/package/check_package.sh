@@ -54,4 +54,6 @@ try "$scratch/by-pkg-config"
 clipinfo=$scratch/usr/bin/clipinfo
 if [ -e "$clipinfo" ]; then
   "$clipinfo" "$scratch/clip.mxf" | grep 1920x1080 >/dev/null || fail "$clipinfo"
+  zcat "$scratch/usr/share/man/man1/clipinfo.1.gz" | grep '^\.TH' >/dev/null || fail "no man page"
+  bash -n "$scratch/usr/share/bash-completion/completions/clipinfo" || fail "the completion is no bash script"
 fi
