@@ -130,6 +130,7 @@ bool IndexTableSegment::ReadDeltaEntries(ParseMetaData& reader, unsigned long lo
   if (size < kArrayHeaderSize || !reader.GetUInt32(&count) || !reader.GetUInt32(&entrySize)) return false;
   if (entrySize != kDeltaEntrySize) return false;
   const unsigned long long whole = (size - kArrayHeaderSize) / kDeltaEntrySize;
+  m_deltaEntries.reserve(std::min<unsigned long long>(count, whole));
   for (unsigned long long i = 0; i < count; ++i) {
     _DeltaEntry entry{};
     if (i >= whole ||  // the next bytes belong to another item
