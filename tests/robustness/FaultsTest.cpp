@@ -103,12 +103,12 @@ const struct Query {
     {"GetTemporalOffsetAtIndex",
      [](auto& c) {
        signed char offset = 0;
-       return c.GetTemporalOffsetAtIndex(kLast(c), offset) ? offset + 128u : kNoAnswer;
+       return c.GetTemporalOffsetAtIndex(kLast(c), offset) ? static_cast<unsigned char>(offset) : kNoAnswer;
      }},
     {"GetKeyOffsetAtIndex",
      [](auto& c) {
        signed char offset = 0;
-       return c.GetKeyOffsetAtIndex(0, offset) ? offset + 128u : kNoAnswer;
+       return c.GetKeyOffsetAtIndex(0, offset) ? static_cast<unsigned char>(offset) : kNoAnswer;
      }},
     {"GetEditUnitInfo",
      [](auto& c) {
@@ -126,7 +126,7 @@ const struct Query {
      }},
 };
 
-// For each n, until the query reads less often.
+// For each n, until the query reads less often. A read that failed once may be tried again.
 TEST_F(FaultsTest, AQueryThatMeetsAFaultFailsAndIsRightAfterwards) {
   TestDisk disk;
   for (const bool isIndexInHeader : {false, true}) {
@@ -137,7 +137,9 @@ TEST_F(FaultsTest, AQueryThatMeetsAFaultFailsAndIsRightAfterwards) {
       if (isIndexInHeader && std::string(query.name).find("ReadIndexTable") == 0) continue;
       unsigned long long right = kNoAnswer;
       bool isFault = true;
-      for (int n = 0; n < 2 || isFault; ++n) {
+      for (int i = 0; i < 3 || isFault; ++i) {
+        const int n = (i + 1) / 2;  // 0, then each number twice
+        disk.staysFailed = i % 2 == 0;
         MXFStream clip(CreateOxString(path));
         ASSERT_EQ(kStatusOK, clip.Parse());
         FBCMemoryCacheManager::DeactivateInstance();  // what Parse read is read again
@@ -147,7 +149,8 @@ TEST_F(FaultsTest, AQueryThatMeetsAFaultFailsAndIsRightAfterwards) {
         isFault = n > 0 && disk.preads >= n;
         disk.failedPread = 0;
         if (n == 0) right = answer;
-        EXPECT_EQ(isFault ? kNoAnswer : right, answer) << query.name << ", fault " << n;
+        const bool isRetried = isFault && !disk.staysFailed && answer == right;
+        EXPECT_EQ(isFault && !isRetried ? kNoAnswer : right, answer) << query.name << ", fault " << n;
         EXPECT_EQ(right, query.ask(clip)) << query.name << ", after fault " << n;
         for (const unsigned unit : {0u, 1300u, kOther, kLast(clip)}) {  // neither has it spoiled another's index
           unsigned long long offset = 0;
@@ -164,6 +167,7 @@ TEST_F(FaultsTest, AQueryThatMeetsAFaultFailsAndIsRightAfterwards) {
 
 TEST_F(FaultsTest, AClipThatMeetsAFaultWhileItOpensDoesNotOpen) {
   TestDisk disk;
+  disk.staysFailed = true;
   for (const bool isListed : {true, false}) {
     ClipOptions options = LongIndexClip(false);
     if (!isListed) WithoutRandomIndex(options);
