@@ -8,6 +8,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "clipinfo/Text.h"
+
 #include "clipinfo/PlainFile.h"
 
 namespace {
@@ -17,21 +19,32 @@ constexpr unsigned long long kMostEditUnits = 1ULL << 32;
 
 void CheckFile(const std::string& path) {
   struct stat info {};
-  if (::stat(path.c_str(), &info) != 0) throw CommandError(errno == ENOENT ? "not found" : std::strerror(errno));
-  if (S_ISDIR(info.st_mode)) throw CommandError("is a directory, not a clip");
-  if (!S_ISREG(info.st_mode)) throw CommandError("not a regular file");
+  if (::stat(path.c_str(), &info) != 0) {
+    throw CommandError(errno == ENOENT ? "not found; is the path right, the card mounted?" : std::strerror(errno));
+  }
+  if (S_ISDIR(info.st_mode)) throw CommandError("is a directory, not a clip, and no *.mxf lies below it; name a clip");
+  if (!S_ISREG(info.st_mode)) throw CommandError("not a regular file; copy the clip to one");
   if (::access(path.c_str(), R_OK) != 0) throw CommandError(std::strerror(errno));
-  if (info.st_size == 0) throw CommandError("empty file");
+  if (info.st_size == 0) throw CommandError("empty file; copy the clip again");
 }
 
 // Which step of opening failed. The step that reads the header metadata can be repeated and costs little by now.
-const char* OpeningFault(MXFStream& stream) {
+std::string OpeningFault(MXFStream& stream) {
   const OxSharedPtr<PartitionPack> pack = stream.GetHeaderPartitionPack();
-  if (!pack) return "not an MXF file: no header partition pack";
-  if (pack->HeaderByteCount() == 0) return "no header metadata in the header partition";
-  if (stream.ParseHeaderPartition() != kStatusOK) return "header metadata damaged, or not one KAG behind its partition";
-  if (stream.GetHeaderMetadata()->MaterialPackageCount() == 0) return "no material package in the header metadata";
-  return "header metadata damaged: the first track of the material package cannot be read";
+  if (!pack) return "not an MXF file: no header partition pack from the file's first byte on; copy the clip again";
+  if (pack->HeaderByteCount() == 0) {
+    return "no header metadata in the header partition" + PlaceText(pack->Offset()) +
+           "; a recording that was cut off has none";
+  }
+  const std::string place = PlaceText(pack->HeaderOffset());
+  const std::string advice = place + "; copy the clip again, or see what verify tells";
+  if (stream.ParseHeaderPartition() != kStatusOK) {
+    return "header metadata damaged, or not one KAG behind its partition," + advice;
+  }
+  if (stream.GetHeaderMetadata()->MaterialPackageCount() == 0) {
+    return "no material package in the header metadata" + advice;
+  }
+  return "header metadata damaged: the first track of the material package cannot be read," + advice;
 }
 
 // A whole number that fills `text`.
@@ -91,7 +104,7 @@ EditUnits Clip::ParseRange(const std::string& text) const {
 
   const unsigned long long end = units.end;
   const std::size_t colon = text.find(':');
-  if (colon == std::string::npos) throw CommandError("--range wants A:B");
+  if (colon == std::string::npos) throw CommandError("--range wants A:B, such as 0:25");
   const std::string from = text.substr(0, colon);
   const std::string to = text.substr(colon + 1);
   const bool isParsed = (from.empty() || ParseNumber(from, units.begin)) && (to.empty() || ParseNumber(to, units.end));

@@ -26,7 +26,8 @@ struct FramesOptions {
 };
 
 [[noreturn]] void FailAt(const Clip& clip, unsigned int editUnit) {
-  throw CommandError("edit unit " + std::to_string(editUnit) + ": " + clip.NoIndexText());
+  throw CommandError("edit unit " + std::to_string(editUnit) + ": " + clip.NoIndexText() +
+                     "; --range lists those before and after it");
 }
 
 // `row.elements` has its size already.
@@ -70,7 +71,9 @@ void PrintFrames(std::ostream& out, const FramesOptions& options, bool& isBegun)
     if (!isWhole(row)) ++incomplete;
   }
   writer->End(incomplete);
-  if (incomplete != 0) throw CommandError(std::to_string(incomplete) + " edit units have elements that are unreadable");
+  if (incomplete != 0)
+    throw CommandError(std::to_string(incomplete) +
+                       " edit units have elements that are unreadable; verify tells where");
 }
 
 int RunFrames(const FramesOptions& options) {

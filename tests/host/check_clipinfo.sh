@@ -40,7 +40,7 @@ head -c 4096 /dev/zero >zeros.mxf
 head -c 3000 clip.mxf >cut.mxf
 mkfifo pipe.mxf
 expect 1 "25 edit units" "$clipinfo" nowhere.mxf clip.mxf .
-for fault in "nowhere.mxf: not found" "empty.mxf: empty file" "zeros.mxf: not an MXF file" "cut.mxf: header metadata damaged" \
+for fault in "nowhere.mxf: not found" "empty.mxf: empty file" "zeros.mxf: not an MXF file" "cut.mxf: header metadata damaged, or not one KAG behind its partition, at offset 0x200 (512); " \
   "pipe.mxf: not a regular file"; do
   expect 1 "$fault" "$clipinfo" "${fault%%:*}"
   [ "$(wc -l <out)" -eq 1 ] || fail "more than one line for ${fault%%:*}"
