@@ -60,10 +60,9 @@ class TestDisk {
 
   std::atomic<int> preads{0};
   std::atomic<int> openFiles{0};
-  int failedPread = 0;       // the number, from 1, of the pread that fails with EIO
-  bool staysFailed = false;  // and every pread after it
-  bool isFitful = false;     // each pread is interrupted once, and then reads 1,000 bytes at most
-  bool isUnknown = false;    // fstat fails
+  int failedPread = 0;     // the number, from 1, of the pread that fails with EIO
+  bool isFitful = false;   // each pread is interrupted once, and then reads 1,000 bytes at most
+  bool isUnknown = false;  // fstat fails
   std::function<void()> beforePread;
   std::vector<std::pair<unsigned long long, long long>> wanted;  // count, offset of each pread; single-threaded tests
 
@@ -84,8 +83,7 @@ class TestDisk {
     } else {
       disk.wanted.emplace_back(count, offset);
     }
-    const bool isLater = disk.staysFailed && disk.failedPread > 0 && number > disk.failedPread;
-    if (number == disk.failedPread || isLater) return errno = EIO, -1;
+    if (number == disk.failedPread) return errno = EIO, -1;
     if (disk.isFitful && number % 2 == 1) return errno = EINTR, -1;
     return disk.m_former.pread(descriptor, buffer, disk.isFitful ? std::min(count, 1000ull) : count, offset);
   }
