@@ -14,6 +14,7 @@ Runner DefineTree(CLI::App& app);
 Runner DefineFrames(CLI::App& app);
 Runner DefineExtract(CLI::App& app);
 Runner DefineVerify(CLI::App& app);
+Runner DefineReport(CLI::App& app);
 
 // Adds --range A:B: edit units of a clip, see Clip::ParseRange.
 void DefineRange(CLI::App& command, std::string& range);

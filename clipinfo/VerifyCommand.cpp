@@ -26,7 +26,10 @@ constexpr const char* kFooter = R"(Examples:
 
 Damage is told by its place in the file and its edit unit; notes tell what is legal and worth knowing. Of each kind of
 finding the first 20 are listed.
-Exit status: 0 whole, 1 damaged, 2 a clip cannot be opened or the arguments are wrong; of several clips the greatest.)";
+Exit status, of several clips the greatest:
+  0  every clip is whole
+  1  a clip is damaged
+  2  a clip cannot be opened, or wrong arguments)";
 
 struct VerifyOptions {
   ClipList clips;
@@ -171,7 +174,7 @@ Runner DefineVerify(CLI::App& app) {
   verify->add_option("--checksum", options->checksum, "A hash of each element's bytes: xxh3 or md5")
       ->transform(CLI::CheckedTransformer(ChecksumNames()))
       ->type_name("KIND");
-  verify->add_flag("--json", options->isJson, "A document, see docs/json.md");
+  DefineJSON(*verify, options->isJson);
   verify->footer(kFooter);
   return [options] {
     if (options->isJson) {

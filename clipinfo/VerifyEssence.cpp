@@ -175,6 +175,7 @@ class EssenceWalk {
   void CheckIndex() {
     const IndexSegment* const segment = m_index.SegmentOf(static_cast<long long>(m_unit));
     if (segment == nullptr) return;  // told where the index was checked
+    if (!segment->entries.empty()) m_package.flags = segment->Flags(static_cast<long long>(m_unit));
     const std::size_t indexed = segment->ElementCount();
     const bool isOnlyFirst = segment->deltas.empty();
     std::size_t number = 0;

@@ -2,6 +2,7 @@
 #define CLIPPARSER_CLIPINFO_VERIFYESSENCE_H
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "clipinfo/VerifyFile.h"
@@ -21,7 +22,8 @@ struct PackageElement {
 struct ContentPackage {
   unsigned long long editUnit = 0;
   std::vector<PackageElement> elements;
-  bool isBroken = false;  // its packets could not be followed to its end
+  std::optional<unsigned char> flags;  // of the index entry, if there is one
+  bool isBroken = false;               // its packets could not be followed to its end
 };
 
 // Called for each content package in file order.

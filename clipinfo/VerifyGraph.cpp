@@ -28,7 +28,8 @@ constexpr SetRow kSets[] = {
     {kSequence, "sequence", {0x0201, 0x0202, 0x1001}, {0x02, 0x10}},
     {kTimecodeComponent, "timecode component", {0x0201, 0x0202, 0x1501, 0x1502, 0x1503}, {0x02, 0x15}},
     {kSourceClip, "source clip", {0x0201, 0x0202, 0x1101, 0x1102, 0x1201}, {0x02, 0x11, 0x12}},
-    {kMultipleDescriptor, "multiple descriptor", {0x3001, 0x3F01}, {0x2F, 0x30, 0x3F}},
+    {kMultipleDescriptor, "multiple descriptor", {0x3001, 0x3004, 0x3F01}, {0x2F, 0x30, 0x3F}},
+    {0x0127, "picture descriptor", {0x3001, 0x3004, 0x3202, 0x3203, 0x320C, 0x320E}, {0x2F, 0x30, 0x32}},
     {0x0128, "CDCI descriptor", {0x3001, 0x3004, 0x3202, 0x3203, 0x320C, 0x320E}, {0x2F, 0x30, 0x32, 0x33}},
     {0x0129, "RGBA descriptor", {0x3001, 0x3004, 0x3202, 0x3203, 0x320C, 0x320E}, {0x2F, 0x30, 0x32, 0x34}},
     {0x0151, "MPEG descriptor", {0x3001, 0x3004, 0x3202, 0x3203, 0x320C, 0x320E}, {0x2F, 0x30, 0x32, 0x33}},
@@ -39,14 +40,18 @@ constexpr SetRow kSets[] = {
     {0x015C, "ancillary data descriptor", {0x3001, 0x3004}, {0x2F, 0x30, 0x3E}},
 };
 
-// Properties of ST 377-1 that have fixed tags and that the library does not answer for.
-constexpr unsigned short kOtherTags[] = {0x2F01, 0x3005, 0x320F, 0x3218, 0x3309, 0x330A, 0x3B04, 0x3B07,
-                                         0x3B08, 0x3C03, 0x3C07, 0x3C08, 0x4402, 0x4406, 0x4802, 0x4B03};
+// Properties of ST 377-1 that have fixed tags and that the library does not answer for; size 0: any.
+constexpr struct {
+  unsigned short tag;
+  unsigned int size;
+} kOtherTags[] = {{0x2F01, 0},  {0x3005, 16}, {0x320F, 1},  {0x3218, 1},  {0x3309, 4},  {0x330A, 16},
+                  {0x3B04, 16}, {0x3B07, 4},  {0x3B08, 16}, {0x3C03, 10}, {0x3C07, 10}, {0x3C08, 0},
+                  {0x4402, 0},  {0x4406, 0},  {0x4802, 0},  {0x4B03, 8}};
 
 // Width and height, rate and alignment: one without the other says nothing.
 constexpr unsigned short kPairs[][2] = {{0x3202, 0x3203}, {0x3204, 0x3205}, {0x3206, 0x3207}, {0x3208, 0x3209},
                                         {0x320A, 0x320B}, {0x3406, 0x3407}, {0x3D09, 0x3D0A}, {0x3304, 0x3305},
-                                        {0x3D10, 0x3D11}, {0x3301, 0x3302}, {0x1101, 0x1102}};
+                                        {0x3D10, 0x3D11}, {0x3301, 0x3302}, {0x3302, 0x3308}, {0x1101, 0x1102}};
 
 // Which set refers to which. A set or target of 0 is any descriptor.
 struct ReferenceRow {
@@ -70,6 +75,9 @@ constexpr ReferenceRow kReferences[] = {
 
 // The property of a descriptor that lists its sub-descriptors; its tag is a dynamic one.
 constexpr unsigned char kSubDescriptors[] = {0x06, 0x01, 0x01, 0x04, 0x06, 0x10, 0x00, 0x00};
+// The MPEG video properties (ST 381), which stand in picture descriptors.
+constexpr unsigned char kVideoProperties[] = {0x04, 0x01, 0x06, 0x02, 0x01};
+constexpr unsigned char kPictureGroup = 0x32;
 
 const SetRow* RowOf(unsigned int kind) {
   const SetRow* const row =
@@ -88,6 +96,13 @@ bool Belongs(const SetRow& row, unsigned int tag) {
   const bool isOfAES3 = tag >= 0x3D0D && tag <= 0x3D13;  // which is a wave descriptor and more (ST 382)
   if (isOfAES3 && row.kind == kWaveDescriptor) return false;
   return tag == 0x3C0A || group == 0x01 || tag >= kFirstDynamicTag || Contains(row.groups, group);
+}
+
+bool isOtherTag(const MetadataSet& set, unsigned short tag) {
+  for (const auto& other : kOtherTags) {
+    if (other.tag == tag) return other.size == 0 || set.set->LengthForTag(tag) == other.size;
+  }
+  return false;
 }
 
 class GraphCheck {
@@ -114,9 +129,11 @@ class GraphCheck {
     const SetRow* const row = RowOf(each.kind);
     for (const unsigned short tag : each.tags) {
       const bool isNamed = m_graph.primer.count(tag) != 0;
-      const bool isStatic = STMetadataSets::NameForTag(tag) != nullptr || Contains(kOtherTags, tag);
+      const bool isStatic = STMetadataSets::NameForTag(tag) != nullptr || isOtherTag(each, tag);
       const bool isKnown = isNamed || (isStatic && tag < kFirstDynamicTag);
-      if (!isKnown || (row != nullptr && !Belongs(*row, tag))) Add(FindingKind::Tag, each, TagText(tag));
+      const bool isPictures = row != nullptr && Contains(row->groups, kPictureGroup);
+      const bool isMisplaced = isLabelled(tag, kVideoProperties) && !isPictures;
+      if (!isKnown || isMisplaced || (row != nullptr && !Belongs(*row, tag))) Add(FindingKind::Tag, each, TagText(tag));
       // The library knows these by heart: a value of another size has no answer.
       const bool isAnswered = tag < kFirstDynamicTag && STMetadataSets::NameForTag(tag) != nullptr;
       if (isAnswered && !each.set->ValueForTag(tag)) {
@@ -143,7 +160,7 @@ class GraphCheck {
       for (const MxfUUID& uid : each.References(tag)) {
         if (!each.uid || uid != *each.uid) m_referenced.insert(uid);
       }
-      if (isDescriptor(each.kind) && isSubDescriptors(tag)) CheckReference(each, tag, true, {});
+      if (isDescriptor(each.kind) && isLabelled(tag, kSubDescriptors)) CheckReference(each, tag, true, {});
     }
     for (const ReferenceRow& row : kReferences) {
       if (row.kind == each.kind && Contains(each.tags, row.tag))
@@ -151,11 +168,13 @@ class GraphCheck {
     }
   }
 
-  bool isSubDescriptors(unsigned short tag) const {
+  // Whether the primer's label of a tag has these bytes behind the first eight.
+  template <class Bytes>
+  bool isLabelled(unsigned short tag, const Bytes& bytes) const {
     const auto found = m_graph.primer.find(tag);
-    bool isEqual = found != m_graph.primer.end();
-    for (unsigned int i = 0; isEqual && i < std::size(kSubDescriptors); ++i) {
-      isEqual = found->second.ValueAtIndex(8 + i) == kSubDescriptors[i];
+    bool isEqual = tag >= kFirstDynamicTag && found != m_graph.primer.end();
+    for (unsigned int i = 0; isEqual && i < std::size(bytes); ++i) {
+      isEqual = found->second.ValueAtIndex(8 + i) == bytes[i];
     }
     return isEqual;
   }
@@ -175,7 +194,7 @@ class GraphCheck {
   }
 
   static bool isTarget(const MetadataSet& target, const unsigned int* targets) {
-    if (targets == nullptr) return true;
+    if (targets == nullptr) return target.kind != kNoStructuralSet;
     if (targets[0] == kAnyDescriptor) return isDescriptor(target.kind);
     return target.kind != kNoStructuralSet && std::find(targets, targets + 4, target.kind) != targets + 4;
   }

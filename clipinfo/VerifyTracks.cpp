@@ -192,7 +192,7 @@ class TrackCheck {
       if (id != 0 || start != 0) Add(FindingKind::PackageReference, clip, "a track or position of no package");
       return;
     }
-    if (package == nullptr) {
+    if (package == nullptr || package->set->kind != kSourcePackage) {
       Add(FindingKind::PackageReference, clip, std::string("package ") + umid->Description()->UTF8String());
       return;
     }

@@ -26,7 +26,8 @@ Exit status:
   2  wrong arguments)";
 
 // In the order of the help.
-constexpr Runner (*kCommands[])(CLI::App&) = {DefineInfo, DefineTree, DefineFrames, DefineExtract, DefineVerify};
+constexpr Runner (*kCommands[])(CLI::App&) = {DefineInfo,    DefineTree,   DefineFrames,
+                                              DefineExtract, DefineVerify, DefineReport};
 
 // The arguments in CLI11's order, from the last to the first, with the default command put in.
 std::vector<std::string> ReversedArguments(const CLI::App& app, int argc, char** argv) {
