@@ -1,5 +1,6 @@
 #include "clipinfo/ClipList.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
 #include <filesystem>

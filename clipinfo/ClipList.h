@@ -1,11 +1,15 @@
 #ifndef CLIPPARSER_CLIPINFO_CLIPLIST_H
 #define CLIPPARSER_CLIPINFO_CLIPLIST_H
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
+
+// The header takes longer to compile than most sources here; those that define options include it.
+namespace CLI {
+class App;
+}
 
 // The clips that a command works on, several at a time.
 struct ClipList {

@@ -1,9 +1,13 @@
 #ifndef CLIPPARSER_CLIPINFO_COMMANDS_H
 #define CLIPPARSER_CLIPINFO_COMMANDS_H
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
+
+// The header takes longer to compile than most sources here; those that define options include it.
+namespace CLI {
+class App;
+}
 
 // The commands, one source each. A Define function adds its command to the program's arguments and returns what runs it
 // once they are parsed; that returns the program's exit status and has told what went wrong.
