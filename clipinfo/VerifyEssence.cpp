@@ -10,6 +10,7 @@ namespace {
 using Keys = std::vector<MxfUUID>;
 
 constexpr unsigned int kMostResyncs = 1000;  // of a clip; one is needed for each damaged length
+constexpr unsigned long long kProbedUnits = 4;
 constexpr unsigned int kSearchSize = 1 << 16;
 constexpr unsigned long long kSmallestPacket = 16 + 1;
 constexpr long long kFurthestAnchor = 32;  // content packages that may be lost at once
@@ -28,11 +29,7 @@ class EssenceWalk {
       : m_file(file), m_facts(facts), m_index(index), m_sink(sink), m_system(file) {}
 
   void Run() {
-    for (const VerifiedPartition& partition : m_file.partitions) {
-      if (!partition.hasEssence() || partition.pack->BodySID() == 0) continue;
-      m_shape = ProbeShape(m_file, partition);
-      break;
-    }
+    FindShape();
     CheckTracks();
     for (const VerifiedPartition& partition : m_file.partitions) {
       if (!partition.hasEssence()) continue;
@@ -46,6 +43,19 @@ class EssenceWalk {
   }
 
  private:
+  // From the first content package or, where that is damaged, from one of the next.
+  void FindShape() {
+    for (const VerifiedPartition& partition : m_file.partitions) {
+      if (!partition.hasEssence() || partition.pack->BodySID() == 0) continue;
+      m_partition = &partition;
+      for (unsigned long long unit = 0; m_shape.size() < 2 && unit < kProbedUnits; ++unit) {
+        const unsigned long long from = unit == 0 ? partition.content : IndexedOffset(unit, 0).value_or(partition.end);
+        if (from >= partition.content && from < partition.end) m_shape = ProbeShape(m_file, partition, from);
+      }
+      if (!m_shape.empty()) return;
+    }
+  }
+
   // Each essence element belongs to a track of its number, and each track to an element (ST 379).
   void CheckTracks() {
     std::set<unsigned int> numbers;
@@ -86,7 +96,7 @@ class EssenceWalk {
           m_packet.Offset(), KeyText(m_packet));
     } else {
       const bool isFirst = !m_shape.empty() && m_packet.key() == m_shape.front();
-      if (isFirst || m_package.elements.size() == m_shape.size()) Close();
+      if (isFirst || m_package.elements.size() == std::max<std::size_t>(1, m_shape.size())) Close();
       m_package.elements.push_back(ElementOf(m_packet));
     }
   }

@@ -18,7 +18,6 @@ constexpr FindingWording kWordings[] = {
     {"random-index-entry", "the random index pack lists what is not there", false},
     {"random-index-missing", "the random index pack leaves a partition out", false},
     {"random-index-order", "the random index pack is not in file order", false},
-    {"partition-missing", "no partition pack where one is said to be", false},
     {"partition-unlisted", "a partition that nothing leads to", false},
     {"partition-pack", "the partition pack is malformed", false},
     {"partition-status", "the partition's kind or status is not one that belongs here", false},

@@ -21,7 +21,6 @@ enum class FindingKind {
   RandomIndexMissing,
   RandomIndexOrder,
   // Partitions.
-  PartitionMissing,
   PartitionUnlisted,
   PartitionPackFields,
   PartitionStatus,

@@ -15,6 +15,7 @@ constexpr unsigned int kSliceSize = 4;
 constexpr unsigned int kPosTableSize = 8;
 constexpr unsigned int kDeltaSize = 1 + 1 + 4;
 constexpr unsigned int kArrayHead = 4 + 4;
+constexpr unsigned long long kLargestSegment = 1 << 18;  // two arrays of at most 65,535 bytes and some numbers
 
 // Tag and size of the items that ST 377-1 knows; size 0: an array. What the library needs is required.
 struct ItemRow {
@@ -43,6 +44,10 @@ class SegmentReader {
   std::optional<IndexSegment> Read() {
     const OxSharedPtr<KLVPacket> packet(new KLVPacket);
     if (!m_file.PeekPacket(m_place.offset, m_file.Length(), *packet)) return {};
+    if (m_place.length > kLargestSegment) {
+      Tell("it is longer than its items may be");
+      return {};
+    }
     m_set = new LocalSets(packet);
     m_segment.offset = m_place.offset;
     if (m_set->TagType() != 3 || m_set->LengthType() != 3 || m_set->Import(m_file.Stream()) != kStatusOK) {

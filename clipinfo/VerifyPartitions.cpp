@@ -1,5 +1,4 @@
-#include <algorithm>
-#include <utility>
+#include <map>
 
 #include "clipinfo/VerifySteps.h"
 
@@ -23,9 +22,10 @@ class PartitionFinder {
   [[nodiscard]] bool AddListed();
   [[nodiscard]] bool AddLinked();
   void AddWalked();
-  void SetEnds();
+  void TakeFound();
 
   VerifyFile& m_file;
+  std::map<unsigned long long, OxSharedPtr<PartitionPack>> m_found;  // by offset
 };
 
 bool PartitionFinder::Find() {
@@ -34,15 +34,13 @@ bool PartitionFinder::Find() {
   // Where the random index pack and the links agree, no one needs to look for more; the walk over the packets of each
   // partition meets what both leave out.
   const bool isListed = AddListed();
-  const std::size_t listed = m_file.partitions.size();
+  const std::size_t listed = m_found.size();
   const bool isLinked = AddLinked();
-  if (!isLinked || (isListed && m_file.partitions.size() != listed)) AddWalked();
-  if (m_file.partitions.empty()) return false;
-  if (m_file.partitions.front().offset != 0 ||
-      m_file.partitions.front().pack->PacketType() != kKeyHeaderPartitionPack) {
-    m_file.findings.Add(FindingKind::FileStart, 0);
-  }
-  SetEnds();
+  if (!isLinked || (isListed && m_found.size() != listed)) AddWalked();
+  if (m_found.empty()) return false;
+  const auto& [offset, first] = *m_found.begin();
+  if (offset != 0 || first->PacketType() != kKeyHeaderPartitionPack) m_file.findings.Add(FindingKind::FileStart, 0);
+  TakeFound();
   return true;
 }
 
@@ -58,20 +56,15 @@ void PartitionFinder::FindRandomIndex() {
 
 // Whether there is a partition pack at an offset; it is kept once.
 bool PartitionFinder::AddPartition(unsigned long long offset) {
-  const auto place = std::lower_bound(
-      m_file.partitions.begin(), m_file.partitions.end(), offset,
-      [](const VerifiedPartition& partition, unsigned long long value) { return partition.offset < value; });
-  if (place != m_file.partitions.end() && place->offset == offset) return true;
-  VerifiedPartition partition;
+  if (m_found.count(offset) != 0) return true;
   KLVPacket packet;
-  if (m_file.partitions.size() >= kMostPartitions || !m_file.PeekPacket(offset, m_file.Length(), packet)) return false;
+  if (m_found.size() >= kMostPartitions || !m_file.PeekPacket(offset, m_file.Length(), packet)) return false;
   if (RoleOf(packet) != PacketRole::Partition || packet.Length() > kLongestPack) return false;
-  partition.offset = offset;
-  partition.pack = new PartitionPack;
+  const OxSharedPtr<PartitionPack> pack(new PartitionPack);
   if (!m_file.Reader().SetOffset(static_cast<long long>(offset), kOxStreamSeekFromStart)) return false;
   // A pack that cannot be read whole keeps what was read of it; CheckPack tells.
-  static_cast<void>(m_file.Reader().ParsePacket(partition.pack.get()));
-  m_file.partitions.insert(place, std::move(partition));
+  static_cast<void>(m_file.Reader().ParsePacket(pack.get()));
+  m_found.emplace(offset, pack);
   return true;
 }
 
@@ -87,12 +80,10 @@ bool PartitionFinder::AddListed() {
 
 // From the footer backwards. Whether the links lead to the header.
 bool PartitionFinder::AddLinked() {
-  if (m_file.partitions.empty()) return false;
-  unsigned long long offset = m_file.partitions.front().pack->FooterPartition();
+  if (m_found.empty()) return false;
+  unsigned long long offset = m_found.begin()->second->FooterPartition();
   while (offset != 0 && AddPartition(offset)) {
-    const auto found = std::find_if(m_file.partitions.rbegin(), m_file.partitions.rend(),
-                                    [offset](const VerifiedPartition& each) { return each.offset == offset; });
-    const unsigned long long previous = found->pack->PreviousPartition();
+    const unsigned long long previous = m_found.at(offset)->PreviousPartition();
     if (previous == 0) return true;
     if (previous >= offset) return false;
     offset = previous;
@@ -106,20 +97,24 @@ void PartitionFinder::AddWalked() {
   const unsigned long long length = m_file.Length();
   unsigned long long position = 0;
   KLVPacket packet;
-  while (position < length && m_file.partitions.size() < kMostPartitions) {
+  while (position < length && m_found.size() < kMostPartitions) {
     if (m_file.PeekPacket(position, length, packet) && packet.PacketType() != kKeyNotSMPTE) {
       if (RoleOf(packet) == PacketRole::Partition) static_cast<void>(AddPartition(position));
       position = packet.NextOffset();
       continue;
     }
-    const auto next = std::find_if(m_file.partitions.begin(), m_file.partitions.end(),
-                                   [position](const VerifiedPartition& each) { return each.offset > position; });
-    if (next == m_file.partitions.end()) return;
-    position = next->offset;
+    const auto next = m_found.upper_bound(position);
+    if (next == m_found.end()) return;
+    position = next->first;
   }
 }
 
-void PartitionFinder::SetEnds() {
+void PartitionFinder::TakeFound() {
+  for (const auto& [offset, pack] : m_found) {
+    m_file.partitions.emplace_back();
+    m_file.partitions.back().offset = offset;
+    m_file.partitions.back().pack = pack;
+  }
   unsigned long long end = m_file.randomIndex ? m_file.randomIndex->Offset() : m_file.Length();
   for (auto partition = m_file.partitions.rbegin(); partition != m_file.partitions.rend(); ++partition) {
     partition->end = end;

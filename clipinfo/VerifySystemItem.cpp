@@ -10,10 +10,10 @@ constexpr unsigned long long kSystemPackSize = 57;
 constexpr std::size_t kProbedPackets = 400;  // among which the first content packages are found
 
 // The keys of the packets, without fill, with which the essence of a partition begins.
-std::vector<ULKey> FirstKeys(VerifyFile& file, const VerifiedPartition& partition) {
+std::vector<ULKey> FirstKeys(VerifyFile& file, const VerifiedPartition& partition, unsigned long long from) {
   std::vector<ULKey> keys;
   KLVPacket packet;
-  unsigned long long position = partition.content;
+  unsigned long long position = from;
   while (keys.size() < kProbedPackets && position < partition.end && file.PeekPacket(position, partition.end, packet)) {
     const PacketRole role = RoleOf(packet);
     if (role == PacketRole::Essence || role == PacketRole::Unknown) keys.push_back(packet.key());
@@ -35,8 +35,8 @@ ULKey FirstKeyOf(const std::vector<ULKey>& keys) {
 
 }  // namespace
 
-std::vector<MxfUUID> ProbeShape(VerifyFile& file, const VerifiedPartition& partition) {
-  const std::vector<ULKey> keys = FirstKeys(file, partition);
+std::vector<MxfUUID> ProbeShape(VerifyFile& file, const VerifiedPartition& partition, unsigned long long from) {
+  const std::vector<ULKey> keys = FirstKeys(file, partition, from);
   const ULKey first = FirstKeyOf(keys);
   std::vector<std::vector<MxfUUID>> shapes(1);
   for (const ULKey& key : keys) {

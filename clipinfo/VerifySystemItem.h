@@ -26,8 +26,9 @@ class SystemItemCheck {
   unsigned short m_last = 0;
 };
 
-// The keys of the content packages of a partition: those that most of its first ones have.
-[[nodiscard]] std::vector<MxfUUID> ProbeShape(VerifyFile& file, const VerifiedPartition& partition);
+// The keys of the content packages of a partition: those that most have of the first ones from an offset on.
+[[nodiscard]] std::vector<MxfUUID> ProbeShape(VerifyFile& file, const VerifiedPartition& partition,
+                                              unsigned long long from);
 
 [[nodiscard]] std::vector<unsigned char> KeyBytes(const MxfUUID& key);
 // Of the track that an essence element belongs to: the last four bytes of its key.

@@ -87,7 +87,7 @@ class TrackCheck {
   void ReadPackage(const MetadataSet& set) {
     PackageFacts package{&set, set.set->UMIDForTag(0x4401), {}};
     for (const MetadataSet* const track : m_graph.Referenced(set, 0x4403)) {
-      if (track->kind == kTrack) package.tracks.push_back(ReadTrack(*track));
+      if (track->kind == kTrack && TakeRoom(*track)) package.tracks.push_back(ReadTrack(*track));
     }
     if (!package.umid || !isUMID(package.umid)) Add(FindingKind::SetProperty, set, "its PackageUID is no UMID");
     if (package.umid && FindPackage(package.umid) != nullptr) Add(FindingKind::SetDuplicate, set, "PackageUID");
@@ -111,7 +111,15 @@ class TrackCheck {
     track.sequence = sequences.front();
     static_cast<void>(track.sequence->Get(0x0202, track.duration));
     track.components = m_graph.Referenced(*track.sequence, 0x1001);
+    m_room -= std::min<std::size_t>(m_room, track.components.size());
     return track;
+  }
+
+  // Packages may list one track again and again, and tracks one component.
+  bool TakeRoom(const MetadataSet& track) {
+    if (m_room == 0) Add(FindingKind::Abandoned, track, "more tracks and components than a clip has");
+    if (m_room > 0) --m_room;
+    return m_room > 0;
   }
 
   const PackageFacts* FindPackage(const OxSharedPtr<UMID>& umid) const {
@@ -262,6 +270,7 @@ class TrackCheck {
   const MetadataGraph& m_graph;
   EssenceFacts& m_facts;
   std::vector<PackageFacts> m_packages;
+  std::size_t m_room = 100000;  // for tracks and components
   std::vector<const MetadataSet*> m_containers;
 };
 

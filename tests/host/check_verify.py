@@ -14,7 +14,8 @@ import tempfile
 
 CLIPINFO, MAKE_CLIP = sys.argv[1:3]
 MODE = sys.argv[3] if len(sys.argv) > 3 else '20260101'
-SAMPLE = 260
+SAMPLE = 500
+BATCH = 50
 LAYOUTS = {'per-partition': ['--units', '30'], 'in-header': ['--header-index', '--units', '26'],
            'no-random-index': ['--no-rip'], 'data': ['--partitions', '1', '--data-bytes', '100'],
            'slices': ['--slices', '2', '--units', '14']}
@@ -161,18 +162,19 @@ def check_whole(name, path):
         fail(f'{name} is not whole:\n{result.stdout[:2000]}{result.stderr}')
 
 
-def check_damage(data, layout, scratch, field, new):
-    path = os.path.join(scratch, 'damaged.mxf')
-    with open(path, 'wb') as file:
-        file.write(data[:field.offset] + new + data[field.offset + field.size:])
-    try:
-        result = run(path)
-        status = result.returncode
-    except subprocess.TimeoutExpired:
-        return fail(f'{layout}: {field.name} at {field.offset}: {new.hex()} gave no answer')
-    # At the clip's end a temporal offset may lead behind it, which is told as a note.
-    if status not in (1, 2) and 'open-end' not in result.stdout:
-        fail(f'{layout}: {field.name} at {field.offset}: {new.hex()} gave {status}')
+def check_damages(data, layout, scratch, cases):
+    """Damaged clips, as many as a run may take."""
+    paths = [os.path.join(scratch, f'damaged-{i}.mxf') for i in range(len(cases))]
+    for path, (field, new) in zip(paths, cases):
+        with open(path, 'wb') as file:
+            file.write(data[:field.offset] + new + data[field.offset + field.size:])
+    clips = json.loads(run('--json', *paths).stdout)['clips']
+    for clip, (field, new) in zip(clips, cases):
+        # At the clip's end a temporal offset may lead behind it, which is told as a note.
+        if 'error' not in clip and clip['status'] == 'whole' and 'open-end' not in clip['counts']:
+            fail(f'{layout}: {field.name} at {field.offset}: {new.hex()} is whole')
+    if [clip['path'] for clip in clips] != paths:
+        fail(f'{layout}: not the clips that were asked for')
 
 
 def sweep(scratch, layout, path):
@@ -184,8 +186,8 @@ def sweep(scratch, layout, path):
              if not is_legal(field, new, data, linked)]
     if MODE != 'all':
         cases = random.Random(f'{MODE} {layout}').sample(cases, min(len(cases), SAMPLE // len(LAYOUTS)))
-    for field, new in cases:
-        check_damage(data, layout, scratch, field, new)
+    for first in range(0, len(cases), BATCH):
+        check_damages(data, layout, scratch, cases[first:first + BATCH])
     print(f'{layout}: {len(cases)} damages')
     return data
 
@@ -230,7 +232,7 @@ def main():
     with tempfile.TemporaryDirectory() as scratch:
         for layout, options in LAYOUTS.items():
             path = os.path.join(scratch, layout + '.mxf')
-            subprocess.run([MAKE_CLIP, *options, path], check=True)
+            subprocess.run([MAKE_CLIP, '--picture-bytes', '2000', *options, path], check=True)
             check_whole(layout, path)
             data = sweep(scratch, layout, path)
             if layout == 'per-partition':
