@@ -23,6 +23,7 @@ void CheckPartitions(VerifyFile& file);
 // Steps of CheckMetadata.
 [[nodiscard]] MetadataGraph ReadMetadata(VerifyFile& file, const VerifiedPartition& partition);
 void CheckGraph(VerifyFile& file, const MetadataGraph& graph);
+void CheckTracks(VerifyFile& file, const MetadataGraph& graph, EssenceFacts& facts);
 
 // Index table segments by themselves and their entries among each other.
 [[nodiscard]] VerifyIndex CheckIndex(VerifyFile& file, const EssenceFacts& facts);
