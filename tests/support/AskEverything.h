@@ -2,6 +2,7 @@
 #define CLIPPARSER_TESTS_SUPPORT_ASKEVERYTHING_H
 
 #include <algorithm>
+#include <cstring>
 #include <deque>
 #include <memory>
 #include <set>
@@ -29,7 +30,7 @@ struct About {
   }
   friend bool operator==(const About& a, const About& b) { return !(a < b) && !(b < a); }
   friend bool operator<(const About& a, const About& b) {
-    const int order = std::char_traits<char>::compare(a.query, b.query, std::char_traits<char>::length(a.query) + 1);
+    const int order = std::strcmp(a.query, b.query);
     return order != 0 ? order < 0 : std::tie(a.first, a.second) < std::tie(b.first, b.second);
   }
 };
