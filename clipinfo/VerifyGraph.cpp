@@ -148,11 +148,25 @@ class GraphCheck {
         Add(FindingKind::SetProperty, each, TagText(pair[0]) + " and " + TagText(pair[1]) + " go together");
       }
     }
+    CheckContainer(each);
     const SetRow* const row = RowOf(each.kind);
     if (row == nullptr) return;
     for (const unsigned short tag : row->required) {
       if (tag != 0 && !Contains(each.tags, tag)) Add(FindingKind::SetProperty, each, TagText(tag) + " is missing");
     }
+  }
+
+  // Lines and packets of the vertical interval have a descriptor each (ST 436).
+  void CheckContainer(const MetadataSet& each) {
+    constexpr unsigned char kInterval[] = {0x0D, 0x01, 0x03, 0x01, 0x02};
+    constexpr unsigned int kLines = 0x0D, kPackets = 0x0E;
+    const OxSharedPtr<MxfUUID> label = isDescriptor(each.kind) ? each.set->UUIDForTag(0x3004) : OxSharedPtr<MxfUUID>();
+    for (unsigned int i = 0; label && i < std::size(kInterval); ++i) {
+      if (label->ValueAtIndex(8 + i) != kInterval[i]) return;
+    }
+    const unsigned int mapping = label ? label->ValueAtIndex(13) : 0;
+    const bool isFitting = mapping == kLines ? each.kind == 0x015B : mapping != kPackets || each.kind == 0x015C;
+    if (!isFitting) Add(FindingKind::SetProperty, each, TagText(0x3004) + " is that of another descriptor");
   }
 
   void CheckReferences(const MetadataSet& each) {
