@@ -145,7 +145,8 @@ FBCMemoryCacheManager::Registration FBCMemoryCacheManager::Register(IMemoryCache
   } else {
     registration.isTakenAway = true;
     if (m_used.empty()) return registration;
-    m_used.splice(m_used.begin(), m_used, TakeFromLeastRecentUser(access));
+    const auto taken = TakeFromLeastRecentUser(access);  // first: it puts the list in order
+    m_used.splice(m_used.begin(), m_used, taken);
   }
   m_used.front().access = access;
   m_used.front().cache->NoteUse();
