@@ -72,9 +72,8 @@ void PrintFrames(std::ostream& out, const FramesOptions& options, bool& isBegun)
     if (!isWhole(row)) ++incomplete;
   }
   writer->End(incomplete);
-  if (incomplete != 0)
-    throw CommandError(std::to_string(incomplete) +
-                       " edit units have elements that are unreadable; verify tells where");
+  if (incomplete == 0) return;
+  throw CommandError(std::to_string(incomplete) + " edit units have elements that are unreadable; verify tells where");
 }
 
 int RunFrames(const FramesOptions& options) {
