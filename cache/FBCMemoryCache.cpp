@@ -31,8 +31,8 @@ unsigned int FBCMemoryCache::Init() {
   const OxRecursiveLock::Hold hold(m_lock);
   m_used.clear();
   m_free.clear();
-  m_buffer.reset(
-      new (kPageAlignment, std::nothrow) unsigned char[kBufferSize]);  // not zeroed: untouched pages cost nothing
+  // Not zeroed: untouched pages cost nothing.
+  m_buffer.reset(new (kPageAlignment, std::nothrow) unsigned char[kBufferSize]);
   if (!m_buffer) std::terminate();
   try {
     m_used.reserve(kBlockCount);

@@ -50,8 +50,8 @@ class EditUnitMap {
   }
 
   Pieces m_pieces;  // ascending, disjoint
-  unsigned int m_front =
-      0;  // the entry at index 0; entries keep their numbers, which may wrap, when others come before
+  // The entry at index 0. Entries keep their numbers when others come before them; the numbers may wrap.
+  unsigned int m_front = 0;
 };
 
 #endif  // CLIPPARSER_STREAM_EDITUNITMAP_H
